@@ -1,0 +1,15 @@
+// Dotted versions such as "64.1.90.12345" in options and registry values.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+namespace vantor {
+
+/// Splits a text of digits and single dots, which neither begins nor ends with a dot, into its parts.
+/// A part above 65,535 keeps its low 16 bits. Anything else gives no version.
+std::optional<std::vector<std::uint16_t>> ParseDottedVersion(std::string_view text);
+
+} // namespace vantor

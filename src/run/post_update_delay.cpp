@@ -1,0 +1,24 @@
+#include "run/post_update_delay.h"
+
+#include <string>
+
+namespace vantor {
+
+void DelayAfterUpdate(const RunConfig& config, ILogger& log,
+                      const std::function<void(std::chrono::milliseconds)>& sleep)
+{
+    constexpr std::uint16_t kLongestMinutes = 10;
+
+    if (config.delayPostDat == 0) {
+        return;
+    }
+    const std::string value = std::to_string(config.delayPostDat);
+    if (config.delayPostDat > kLongestMinutes) {
+        log.Log(LogLevel::warning, "/delaypostdat out of range: " + value);
+        return;
+    }
+    log.Log(LogLevel::trace, "/delaypostdat waiting for " + value + " minutes.");
+    sleep(std::chrono::minutes(config.delayPostDat));
+}
+
+} // namespace vantor

@@ -1,0 +1,16 @@
+// The wait that lets an update settle before its health check.
+#pragma once
+
+#include "run/logger.h"
+#include "run/run_config.h"
+
+#include <chrono>
+#include <functional>
+
+namespace vantor {
+
+/// Waits config.delayPostDat minutes, once, through sleep. A delay above 10 minutes is warned about and not waited.
+void DelayAfterUpdate(const RunConfig& config, ILogger& log,
+                      const std::function<void(std::chrono::milliseconds)>& sleep);
+
+} // namespace vantor

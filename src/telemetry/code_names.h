@@ -1,0 +1,23 @@
+// Names of numeric codes for log lines and diagnostics.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace vantor {
+
+/// The name of the WinHTTP error constant (winhttp.h) with this value, "ERROR_SUCCESS" for 0. Any other value gives
+/// "Unknown error (" + decimal + ")".
+std::string WinHttpErrorName(std::uint32_t code);
+
+/// A failure as log lines name it: the error's name, a blank and its number.
+std::string NamedWinHttpError(std::uint32_t code);
+
+/// The name of the WinHTTP callback status constant (winhttp.h) with exactly this value. Any other value, a
+/// combination of flags included, gives "Unknown status (" + decimal + ")".
+std::string WinHttpStatusName(std::uint32_t status);
+
+/// The reason phrase registered for an HTTP status code. Any other code gives "Unknown status (" + decimal + ")".
+std::string HttpReasonPhrase(std::uint32_t status);
+
+} // namespace vantor

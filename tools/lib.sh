@@ -1,0 +1,193 @@
+# shellcheck shell=bash
+# What the two root commands and the scripts in this folder share. Sourced; it only defines things.
+
+unset CDPATH
+project=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
+build=$project/build
+# shellcheck disable=SC2034 # for the scripts that source this file
+{
+    pki=$build/pki
+    service_port=8000 # fixed by the program's test hook
+}
+
+say() { printf '%s\n' "$*"; }
+
+fail() {
+    printf '%s: %s\n' "${0##*/}" "$*" >&2
+    exit 1
+}
+
+# --- Steps -----------------------------------------------------------------------------------------------------------
+
+microseconds() { printf '%s' "${EPOCHREALTIME//[!0-9]/}"; }
+
+# step NAME TEXT HINT COMMAND...: a long step. It prints one line with its time; what COMMAND prints goes to
+# build/logs/NAME.log and is shown, with the hint, only when it fails. Then the whole run ends.
+step() {
+    local log=$build/logs/$1.log text=$2 hint=$3 begun status=0 tenths
+    shift 3
+    mkdir -p "$build/logs"
+    printf '%-52s ' "$text ..."
+    begun=$(microseconds)
+    "$@" </dev/null >"$log" 2>&1 9>&- || status=$?
+    tenths=$((($(microseconds) - begun) / 100000))
+    printf '%s%4d.%d s\n' "$([ "$status" -eq 0 ] || echo 'FAILED after ')" $((tenths / 10)) $((tenths % 10))
+    [ "$status" -eq 0 ] || explain_failure "$log" "$hint" "$status"
+}
+
+explain_failure() { # LOG HINT STATUS
+    local lines shown=200
+    lines=$(wc -l <"$1")
+    {
+        [ "$lines" -le "$shown" ] || say "[the last $shown of $lines lines; all of them: $1]"
+        tail -n "$shown" "$1"
+        say ""
+        say "That step failed (exit code $3); its output is above and in $1."
+        say "What to do: $2"
+    } >&2
+    exit "$3"
+}
+
+# build_preset PRESET [TARGET]: configures the preset's tree and builds TARGET, or all of it.
+build_preset() {
+    local compile=(env --chdir "$project" TMPDIR="$build/tmp") # the cross compiler leaves temporary files behind
+    rm -rf "$build/tmp" && mkdir -p "$build/tmp"
+    step "configure-$1" "Configuring build/$1" "mend what CMake names; if this tree was moved or copied, remove build/" \
+        "${compile[@]}" cmake --preset "$1"
+    step "build-$1" "Building ${2:-everything} in build/$1" "mend the error above and start again" \
+        "${compile[@]}" cmake --build --preset "$1" ${2:+--target "$2"}
+}
+
+# --- Packages --------------------------------------------------------------------------------------------------------
+
+# What is needed on Debian 12, as "purpose|packages".
+package_sets=(
+    "build the local service and the native tests|g++ cmake ninja-build libcpp-httplib-dev nlohmann-json3-dev libssl-dev"
+    "cross-build the Windows program|g++-mingw-w64-x86-64-posix"
+    "build the tests|googletest"
+    "run the Windows program, TLS included|wine wine64 libgnutls30"
+    "make the local certificates|openssl"
+    "give a run a network of its own|iproute2"
+    "know the name localhost on a minimal system|netbase"
+)
+
+# Names what is missing, with its purpose, and installs it. Asks the package manager for nothing when all is there.
+install_packages() {
+    if ! command -v apt-get >/dev/null || ! command -v dpkg-query >/dev/null; then
+        say "This is no Debian: the needed packages are not installed for you (tools/lib.sh lists them)."
+        return
+    fi
+    local set package lacking missing=() installed
+    # shellcheck disable=SC2048,SC2086 # the second field of a set is a list of words
+    installed=" $(dpkg-query --show --showformat='${db:Status-Status}:${Package} ' ${package_sets[*]#*|} 2>/dev/null) " || true
+    for set in "${package_sets[@]}"; do
+        lacking=()
+        for package in ${set#*|}; do
+            [[ $installed == *" installed:$package "* ]] || lacking+=("$package")
+        done
+        [ ${#lacking[@]} -eq 0 ] || say "To ${set%%|*}: ${lacking[*]}"
+        missing+=("${lacking[@]}")
+    done
+    [ ${#missing[@]} -eq 0 ] || apt_install "${missing[@]}"
+}
+
+apt_install() {
+    local as_root=()
+    if [ "$EUID" -ne 0 ]; then
+        command -v sudo >/dev/null || fail "run this as root, then start again: apt-get install --no-install-recommends $*"
+        as_root=(sudo)
+    fi
+    # The lock lets two clones that start together install one after the other; the second one finds all in place.
+    # shellcheck disable=SC2016 # expanded by the inner shell
+    step packages "Installing the packages with apt-get" \
+        "see that this machine reaches its Debian mirror; a half-done installation is mended by 'dpkg --configure -a'" \
+        "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive flock --timeout 900 /var/lib/dpkg sh -ec '
+            apt-get -q update || echo "Going on with the package lists that are there."
+            apt-get -q --yes --no-install-recommends -o DPkg::Lock::Timeout=300 install "$@"' sh "$@"
+}
+
+# --- One run at a time in a clone ------------------------------------------------------------------------------------
+
+# Holds the clone's lock, on descriptor 9, until this shell ends. Whatever outlives it must be started with 9>&-.
+lock_clone() {
+    local waits_for
+    mkdir -p "$build"
+    exec 9<>"$build/run.lock"
+    if ! flock --nonblock 9; then
+        read -r waits_for <"$build/run.lock" || true
+        say "Waiting for the other run in this clone (${waits_for:-unknown}) to end ..."
+        flock --timeout 1800 9 || fail "the other run (${waits_for:-unknown}) has not ended within half an hour"
+    fi
+    echo "${0##*/}, process $$" >"$build/run.lock"
+}
+
+# --- Children --------------------------------------------------------------------------------------------------------
+
+# attend COMMAND...: runs COMMAND, passes a request to end this shell on to it, and waits until it has cleaned up.
+# Returns its exit code.
+attend() {
+    local child status=0
+    "$@" </dev/null 9>&- &
+    child=$!
+    # shellcheck disable=SC2064 # the child of now
+    trap "kill -TERM $child 2>/dev/null || true" INT TERM HUP
+    wait "$child" || status=$?
+    while kill -0 "$child" 2>/dev/null; do # the wait was cut short by a signal
+        status=0
+        wait "$child" || status=$?
+    done
+    trap - INT TERM HUP
+    return "$status"
+}
+
+# end_child PID: asks a child to end, and insists after five seconds.
+end_child() {
+    local tries
+    kill -TERM "$1" 2>/dev/null || return 0
+    for ((tries = 0; tries < 50; ++tries)); do
+        kill -0 "$1" 2>/dev/null || break
+        sleep 0.1
+    done
+    kill -KILL "$1" 2>/dev/null || true
+    wait "$1" 2>/dev/null || true
+}
+
+# --- The network -----------------------------------------------------------------------------------------------------
+
+require_localhost() {
+    getent ahosts localhost >/dev/null || fail "the name localhost is unknown here; /etc/hosts needs '127.0.0.1 localhost'"
+}
+
+# wait_for_port PORT: waits a little until nobody listens on PORT; fails naming the process that does.
+wait_for_port() {
+    local tries
+    for ((tries = 0; tries < 60; ++tries)); do
+        [ -n "$(listeners "$1")" ] || return 0
+        [ "$tries" -ne 0 ] || say "Port $1 is taken; waiting for it to become free ..."
+        sleep 0.5
+    done
+    fail "port $1 is needed and still held by: $(listeners "$1")"
+}
+
+# Who listens on PORT, as 'users:(("name",pid=1,fd=3))', or as an address where the process belongs to somebody else.
+listeners() {
+    ss --no-header --listening --tcp --numeric --processes "sport = :$1" | awk '{ print ($6 != "" ? $6 : $4) }' | sort -u
+}
+
+# --- Wine ------------------------------------------------------------------------------------------------------------
+
+prefix_directory() { printf '%s/wine/%s' "$build" "$1"; }
+
+# wine_environment PREFIX_DIRECTORY: everything a program under Wine sees is set here, and nothing of the caller's taste
+# gets through: no display, no proxy, no locale. Home and temporary files stay in the build tree.
+wine_environment() {
+    unset "${!WINE@}" "${!LC_@}" "${!XDG_@}" LANGUAGE TZ DISPLAY WAYLAND_DISPLAY \
+        http_proxy https_proxy all_proxy no_proxy HTTP_PROXY HTTPS_PROXY ALL_PROXY NO_PROXY
+    export LANG=C.UTF-8
+    export WINEPREFIX=$1
+    export WINEDEBUG=-all
+    export WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=d;winedbg.exe=d"
+    export HOME=$build/wine/home
+    export TMPDIR=$1/tmp
+    command -v wine >/dev/null || fail "Wine is not installed (Debian packages: wine wine64)"
+}
