@@ -1,0 +1,16 @@
+// The two collectors: each makes the report of one run.
+#pragma once
+
+#include "health/report.h"
+#include "run/run_config.h"
+
+namespace vantor {
+
+/// Runs every record probe, logs the record and its result bits, and returns the record's 46 bytes. No probe fails
+/// the collection: what cannot be read stays at its fallback.
+ReportBytes GetOSInfo(const RunConfig& config);
+
+/// GetOSInfo, then the text probes; logs the text block and returns record, block length and block.
+ReportBytes GetPreUpdateInfo(const RunConfig& config);
+
+} // namespace vantor

@@ -1,0 +1,35 @@
+// Reading the registry.
+#pragma once
+
+#include "platform/owner.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace vantor {
+
+/// An open key under HKEY_LOCAL_MACHINE.
+class RegistryKey {
+public:
+    /// Opens a key with KEY_READ in the 64-bit view (RegOpenKeyExW); nothing when Windows refuses.
+    static std::optional<RegistryKey> OpenForReading(const wchar_t* path);
+
+    /// RegQueryValueExW: size is the room in bytes at buffer, then what Windows returned; type may be null.
+    LSTATUS Query(const wchar_t* value, void* buffer, DWORD& size, DWORD* type = nullptr) const;
+
+    /// A value that fits in 4 bytes, whatever its type; bytes that it lacks keep those of preset. Nothing when the
+    /// query fails, a longer value included.
+    std::optional<std::uint32_t> QueryDword(const wchar_t* value, std::uint32_t preset = 0) const;
+
+    /// A value of at most bufferBytes bytes as text up to its first NUL, whatever its type; an odd last byte is
+    /// dropped, a missing NUL is not missed. Nothing when the query fails, a longer value included.
+    std::optional<std::wstring> QueryText(const wchar_t* value, std::size_t bufferBytes) const;
+
+private:
+    explicit RegistryKey(RegistryHandle handle) : m_handle(std::move(handle)) {}
+
+    RegistryHandle m_handle;
+};
+
+} // namespace vantor

@@ -1,0 +1,63 @@
+#include "platform/text.h"
+
+#include <windows.h>
+
+#include <limits>
+#include <sstream>
+#include <stdexcept>
+
+namespace vantor {
+namespace {
+
+int CheckedLength(std::size_t length)
+{
+    if (length > static_cast<std::size_t>(std::numeric_limits<int>::max())) {
+        throw std::length_error("text too long to convert");
+    }
+    return static_cast<int>(length);
+}
+
+std::string Narrow(UINT codePage, std::wstring_view text)
+{
+    const int length = CheckedLength(text.size());
+    if (length == 0) {
+        return {};
+    }
+    const int size = ::WideCharToMultiByte(codePage, 0, text.data(), length, nullptr, 0, nullptr, nullptr);
+    std::string narrow(static_cast<std::size_t>(size), '\0');
+    ::WideCharToMultiByte(codePage, 0, text.data(), length, narrow.data(), size, nullptr, nullptr);
+    return narrow;
+}
+
+} // namespace
+
+std::string ToNarrow(std::wstring_view text)
+{
+    return Narrow(CP_ACP, text);
+}
+
+std::string ToUtf8(std::wstring_view text)
+{
+    return Narrow(CP_UTF8, text);
+}
+
+std::wstring ToWide(std::string_view text)
+{
+    const int length = CheckedLength(text.size());
+    if (length == 0) {
+        return {};
+    }
+    const int size = ::MultiByteToWideChar(CP_ACP, 0, text.data(), length, nullptr, 0);
+    std::wstring wide(static_cast<std::size_t>(size), L'\0');
+    ::MultiByteToWideChar(CP_ACP, 0, text.data(), length, wide.data(), size);
+    return wide;
+}
+
+std::string PointerText(const void* pointer)
+{
+    std::ostringstream stream;
+    stream << pointer;
+    return stream.str();
+}
+
+} // namespace vantor

@@ -1,0 +1,69 @@
+// Which way requests take: direct, through a named proxy, or through one found automatically.
+#pragma once
+
+#include "proxy/http_session.h"
+#include "proxy/session_host.h"
+
+#include <memory>
+#include <string>
+
+namespace vantor {
+
+/// Owns one session of each kind and keeps the one in use; implements the one-shot fallback from a proxy to a direct
+/// connection. Unconfigured until InitConfig. Used from one thread. Throws nothing of its own; failures are in its
+/// results and the log, all at trace level. Does nothing when the call layer is null.
+class CHTTPProxyManager : public ISessionHost {
+public:
+    CHTTPProxyManager(std::shared_ptr<IHTTP> http, std::shared_ptr<IProxyDiscovery> discovery,
+                      std::shared_ptr<ILogger> logger, std::wstring userAgent);
+    ~CHTTPProxyManager() override;
+    CHTTPProxyManager(const CHTTPProxyManager&) = delete;
+    CHTTPProxyManager& operator=(const CHTTPProxyManager&) = delete;
+
+    /// Copies and logs the configuration (the password in clear), chooses the session and ends any fallback.
+    void InitConfig(const ProxyConfig& config);
+
+    /// Opens a WinHTTP session on the session in use; null on failure. See CHTTPSession::Open for the timeout.
+    HINTERNET OpenSession(std::uint32_t* timeout);
+
+    /// Prepares a request for one attempt; non-zero for success.
+    DWORD InitRequest(HINTERNET session, IProxiedRequest& request, const std::wstring& url,
+                      const ProxyAuthSchemePtr& scheme);
+
+    /// Cleans up after the attempt; non-zero for success.
+    DWORD CleanRequest(const ProxyAuthSchemePtr& scheme);
+
+    BOOL SetCredentials(DWORD authScheme, IProxiedRequest& request) override;
+
+    /// Turns to the direct session and answers true, unless a fallback is in force, no proxy is in use, or the
+    /// configuration does not allow it.
+    bool ShouldFallBack();
+
+    /// Ends a fallback: the proxy session is in use again. False when none was in force.
+    bool ClearFallBack();
+
+    bool ProxyFallbackIsConfigured() const;
+
+    bool IsFallbackInForce() const { return m_savedSession != nullptr; }
+
+    const ProxyConfig& Config() const override { return m_config; }
+    IHTTP& Http() const override { return *m_http; }
+    IProxyDiscovery& Discovery() const override { return *m_discovery; }
+    const std::wstring& UserAgent() const override { return m_userAgent; }
+
+private:
+    void LogConfig(const class OperationLog& log) const;
+
+    std::shared_ptr<IHTTP> m_http;
+    std::shared_ptr<IProxyDiscovery> m_discovery;
+    std::wstring m_userAgent;
+    ProxyConfig m_config;
+    std::shared_ptr<CHTTPSession> m_directSession;
+    std::shared_ptr<CHTTPSession> m_namedProxySession;
+    std::shared_ptr<CHTTPSession> m_autoProxySession;
+    std::shared_ptr<CHTTPSession> m_currentSession; ///< one of the three; null while unconfigured
+    std::shared_ptr<CHTTPSession> m_savedSession;   ///< the proxy session in use before a fallback
+    std::shared_ptr<ILogger> m_logger;
+};
+
+} // namespace vantor

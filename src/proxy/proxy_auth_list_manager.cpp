@@ -1,0 +1,125 @@
+#include "proxy/proxy_auth_list_manager.h"
+
+#include "run/operation_log.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace vantor {
+
+C_HTTPProxyAuthListManager::C_HTTPProxyAuthListManager(CHTTPProxyManager& manager, std::shared_ptr<ILogger> logger)
+    : m_manager(manager), m_configured(manager.Config().m_repAuthSchemes), m_logger(std::move(logger))
+{
+    if (m_logger) {
+        m_logger->Log(LogLevel::trace, "C_HTTPProxyAuthListManager::C_HTTPProxyAuthListManager");
+    }
+    m_schemes[REP_PROXY_AUTH_SCHEME_NONE] = std::make_shared<CHTTPProxyAuthNone>(m_logger);
+    InitializeAuthenticationSchemeList();
+}
+
+void C_HTTPProxyAuthListManager::InitializeAuthenticationSchemeList()
+{
+    if (m_manager.IsFallbackInForce() || m_configured.empty()) {
+        return;
+    }
+    // With several schemes the first attempt goes out without credentials: the proxy's answer tells their order.
+    m_queue.push_back(m_configured.size() == 1 ? m_configured.front() : REP_PROXY_AUTH_SCHEME_NONE);
+}
+
+DWORD C_HTTPProxyAuthListManager::InitRequest(HINTERNET session, IProxiedRequest& request, const std::wstring& url)
+{
+    m_inUse = nullptr;
+    if (m_queue.empty()) {
+        OperationLog(m_logger, "C_HTTPProxyAuthListManager::InitRequest").Trace("No rep authentication configured.");
+    } else {
+        const std::uint32_t value = m_queue.front();
+        m_queue.pop_front();
+        m_tried.insert(value);
+        m_inUse = LookUpAuthenticationSchemeByRepAuthenticationScheme(value);
+    }
+    return m_manager.InitRequest(session, request, url, m_inUse);
+}
+
+DWORD C_HTTPProxyAuthListManager::CleanRequest()
+{
+    if (!m_inUse) {
+        return 0;
+    }
+    return m_manager.CleanRequest(std::exchange(m_inUse, nullptr));
+}
+
+void C_HTTPProxyAuthListManager::FindNextAuthenticationScheme(IProxiedRequest& request)
+{
+    const OperationLog log(m_logger, "C_HTTPProxyAuthListManager::FindNextAuthenticationScheme");
+    if (m_configured.size() == 1) {
+        log.Trace("Only one authentication scheme configured which we have already tried.");
+        return;
+    }
+    DWORD status = 0;
+    if (request.ReportedError() != 0 || request.QueryStatusCode(status) != 0 || status != HTTP_STATUS_PROXY_AUTH_REQ) {
+        log.Trace("QueryHeader() Failure = " + std::to_string(status) + ", clearing all rep authentication schemas.");
+        m_queue.clear();
+        return;
+    }
+    log.Trace("The proxy requires authentication, querying proxy server for supported MS authentication schemes.");
+    if (m_proxyQueried) {
+        log.Trace("Proxy server already queried for supported MS authentication scheme.");
+        return;
+    }
+    m_proxyQueried = true;
+    QueryProxy(request, log);
+}
+
+void C_HTTPProxyAuthListManager::QueryProxy(IProxiedRequest& request, const OperationLog& log)
+{
+    DWORD supported = 0;
+    DWORD first = 0;
+    DWORD target = 0;
+    if (!request.QueryAuthSchemes(supported, first, target)) {
+        log.Trace("QueryAuthSchemes() failed, err=" + std::to_string(::GetLastError()));
+        return;
+    }
+    log.Trace("The proxy server returned, supported authentication schemes = " + std::to_string(supported) +
+              ". First authentication scheme listed by the server = " + std::to_string(first) +
+              ". Authentication target = " + std::to_string(target));
+    MatchMsAuthenticationSchemes(supported);
+}
+
+bool C_HTTPProxyAuthListManager::WantsAnotherAttempt() const
+{
+    return std::any_of(m_queue.begin(), m_queue.end(),
+                       [this](std::uint32_t value) { return !m_tried.contains(value); });
+}
+
+ProxyAuthSchemePtr C_HTTPProxyAuthListManager::LookUpAuthenticationSchemeByRepAuthenticationScheme(
+    std::uint32_t value) const
+{
+    if (value < m_schemes.size()) {
+        return m_schemes[value];
+    }
+    OperationLog(m_logger, "C_HTTPProxyAuthListManager::LookUpAuthenticationSchemeByRepAuthenticationScheme")
+        .Trace("Rep auth scheme is " + std::to_string(value));
+    return nullptr;
+}
+
+void C_HTTPProxyAuthListManager::MatchMsAuthenticationSchemes(DWORD mask)
+{
+    const OperationLog log(m_logger, "C_HTTPProxyAuthListManager::MatchMsAuthenticationSchemes");
+    for (DWORD bit = 1; bit != 0; bit <<= 1) {
+        if (!(mask & bit)) {
+            continue;
+        }
+        for (const std::uint32_t value : m_configured) {
+            const ProxyAuthSchemePtr scheme = LookUpAuthenticationSchemeByRepAuthenticationScheme(value);
+            if (scheme && (scheme->MsScheme() & mask)) {
+                m_queue.push_back(value);
+                log.Trace(" use rep-authentication scheme = " + std::to_string(value));
+            } else {
+                log.Trace("MSAuthScheme=" + std::to_string(bit) + " RepAuthScheme=" + std::to_string(value) +
+                          " do not match");
+            }
+        }
+    }
+}
+
+} // namespace vantor

@@ -1,0 +1,229 @@
+#include "telemetry/rest_telemetry.h"
+
+#include "delay_import_tables.h"
+#include "platform/registry.h"
+#include "platform/text.h"
+#include "run/logging.h"
+#include "run/vantor_logging.h"
+#include "service_endpoints.h"
+#include "telemetry/code_names.h"
+#include "telemetry/http_connection.h"
+#include "telemetry/http_implementation.h"
+#include "telemetry/pinned_issuers.h"
+#include "telemetry/proxy_settings.h"
+#include "telemetry/vri_rest.h"
+
+#include <winhttp.h>
+
+#include <exception>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace vantor {
+namespace {
+
+/// The largest body that the connection sends, in bytes: the largest report in Base64 with room for identifiers.
+constexpr std::uint64_t kBodyLimitBytes = 65536;
+constexpr std::uint32_t kSystemProxyLifeTimeMs = 60'000;
+
+/// While this key exists, whatever it holds, reports go to a service on this machine.
+bool IsLocalHostForced()
+{
+    return RegistryKey::OpenForReading(L"SOFTWARE\\Vexora\\AVSolution\\SetVriLocalHost").has_value();
+}
+
+HttpConfig MakeHttpConfig(const VRIREST& payload)
+{
+    HttpConfig config;
+    const bool local = IsLocalHostForced();
+    config.server = local ? L"localhost" : payload.ServiceHost();
+    config.port = local ? 8000 : kServicePort;
+    config.userAgent = payload.UserAgent();
+    config.maxSize = kBodyLimitBytes;
+    return config;
+}
+
+HttpTimeouts MakeTimeouts(std::uint32_t millisec)
+{
+    return {millisec, millisec, millisec, millisec};
+}
+
+ProxyConfig MakeProxyConfig(const RunConfig& config)
+{
+    ProxyConfig proxy;
+    proxy.m_proxyTimeoutFallbackToDirect = true; // better one direct attempt than a pulse that is lost
+    proxy.m_systemProxyLifeTime = kSystemProxyLifeTimeMs;
+    if (!HasExplicitProxy(config)) {
+        proxy.m_wpadFlags = WINHTTP_AUTOPROXY_AUTO_DETECT;
+        proxy.m_wpadDetectFlags = WINHTTP_AUTO_DETECT_TYPE_DHCP | WINHTTP_AUTO_DETECT_TYPE_DNS_A;
+        proxy.m_wpadAutoLogon = true;
+        return proxy;
+    }
+    proxy.m_address = ToWide(ProxyAddress(config));
+    proxy.m_username = ToWide(ProxyUserName(config));
+    proxy.m_password = ToWide(config.password);
+    if (!proxy.m_username.empty()) { // strongest first
+        proxy.m_repAuthSchemes = {REP_PROXY_AUTH_SCHEME_KERBEROS, REP_PROXY_AUTH_SCHEME_NTLM,
+                                  REP_PROXY_AUTH_SCHEME_BASIC};
+    }
+    return proxy;
+}
+
+void LogField(const char* name, const std::wstring& value)
+{
+    LogTrace(name + (" = " + ToNarrow(value)));
+}
+
+template <typename Number>
+    requires std::is_integral_v<Number>
+void LogField(const char* name, Number value)
+{
+    LogTrace(name + (" = " + std::to_string(value)));
+}
+
+void LogField(const char* name, bool value)
+{
+    LogTrace(name + std::string(value ? " = true" : " = false"));
+}
+
+/// One line a field; the password as it is, in clear.
+void LogConfiguration(const HttpConfig& http, const HttpTimeouts& timeouts, const ProxyConfig& proxy)
+{
+    LogField("HttpConfig.server", http.server);
+    LogField("HttpConfig.port", http.port);
+    LogField("HttpConfig.userAgent", http.userAgent);
+    LogField("HttpConfig.maxSize", http.maxSize);
+    LogField("HttpTimeouts.resolveTimeoutMillisec", timeouts.resolveTimeoutMillisec);
+    LogField("HttpTimeouts.connectTimeoutMillisec", timeouts.connectTimeoutMillisec);
+    LogField("HttpTimeouts.sendTimeoutMillisec", timeouts.sendTimeoutMillisec);
+    LogField("HttpTimeouts.receiveTimeoutMillisec", timeouts.receiveTimeoutMillisec);
+    LogField("ProxyConfig.m_address", proxy.m_address);
+    LogTrace("ProxyConfig.m_currentUser = " + PointerText(proxy.m_currentUser));
+    LogField("ProxyConfig.m_dnsServer", proxy.m_dnsServer);
+    LogField("ProxyConfig.m_password", proxy.m_password);
+    LogField("ProxyConfig.m_proxyTimeout", proxy.m_proxyTimeout);
+    LogField("ProxyConfig.m_proxyTimeoutFallbackToDirect", proxy.m_proxyTimeoutFallbackToDirect);
+    for (std::size_t index = 0; index < proxy.m_repAuthSchemes.size(); ++index) {
+        const std::string name = "ProxyConfig.m_repAuthSchemes[" + std::to_string(index) + "]";
+        LogField(name.c_str(), proxy.m_repAuthSchemes[index]);
+    }
+    LogField("ProxyConfig.m_username", proxy.m_username);
+    LogField("ProxyConfig.m_wpadAutoLogon", proxy.m_wpadAutoLogon);
+    LogField("ProxyConfig.m_wpadConfigUrl", proxy.m_wpadConfigUrl);
+    LogField("ProxyConfig.m_wpadDetectFlags", proxy.m_wpadDetectFlags);
+    LogField("ProxyConfig.m_wpadFlags", proxy.m_wpadFlags);
+}
+
+/// Everything that one send needs; lives for that send.
+class RESTTelemetry {
+public:
+    RESTTelemetry(bool httpLogging, const RunConfig& config);
+    ~RESTTelemetry();
+    RESTTelemetry(const RESTTelemetry&) = delete;
+    RESTTelemetry& operator=(const RESTTelemetry&) = delete;
+
+    VRIREST& Payload() { return *m_payload; }
+    void Send(const std::uint8_t* data, std::size_t size);
+
+private:
+    void Configure(bool httpLogging, const RunConfig& config);
+
+    std::optional<VRIREST> m_payload; ///< set by the constructor, inside its scope trace
+    std::shared_ptr<HttpConnection> m_connection;
+    bool m_initialised = false;
+};
+
+RESTTelemetry::RESTTelemetry(bool httpLogging, const RunConfig& config)
+{
+    const ScopeTrace scope("RESTTelemetry::RESTTelemetry");
+    m_payload.emplace();
+    try {
+        Configure(httpLogging, config);
+        m_initialised = true;
+    } catch (const std::exception& error) {
+        LogError(std::string("Initialise failed: ") + error.what());
+    } catch (...) {
+        LogError("Initialise failed: unknown exception.");
+    }
+}
+
+RESTTelemetry::~RESTTelemetry()
+{
+    const ScopeTrace scope("RESTTelemetry::~RESTTelemetry");
+    m_connection.reset();
+    m_payload.reset();
+}
+
+void RESTTelemetry::Configure(bool httpLogging, const RunConfig& config)
+{
+    HttpConnectionSettings settings;
+    settings.http = MakeHttpConfig(*m_payload);
+    settings.timeouts = MakeTimeouts(m_payload->TimeoutMillisec());
+    settings.proxy = MakeProxyConfig(config);
+
+    const std::shared_ptr<ILogger> logger = httpLogging ? std::make_shared<LoggerImpl>() : nullptr;
+    const auto http = std::make_shared<HttpImplementation>(logger);
+    settings.proxyDiscovery = std::make_shared<WinHttpProxyDiscovery>();
+    settings.pinnedCertificates =
+        ParseCertificates(PinnedIssuersPem(), OperationLog(logger, "RESTTelemetry::RESTTelemetry"));
+
+    LogConfiguration(settings.http, settings.timeouts, settings.proxy);
+    m_connection = std::make_shared<HttpConnection>(std::move(settings), http, logger);
+}
+
+void RESTTelemetry::Send(const std::uint8_t* data, std::size_t size)
+{
+    const ScopeTrace scope("RESTTelemetry::Send");
+    if (!m_initialised) {
+        LogError("Send telemetry failed: http not initialised");
+        return;
+    }
+    if (!data || size == 0 || size > kReportLimitBytes) {
+        LogError("Send telemetry failed: invalid arguments: data=" + PointerText(data) +
+                 ", size=" + std::to_string(size));
+        return;
+    }
+    LogTrace("RESTTelemetry::Send: Sending " + std::to_string(size) + " bytes.");
+
+    HttpResponse response;
+    response.result = ERROR_NOT_READY;
+    if (m_connection) {
+        const std::string body = m_payload->CreatePostData({data, size});
+        m_connection->Query({kReportPath, L"POST"}, {}, body, response);
+    }
+    if (response.result != ERROR_SUCCESS) {
+        LogError("RESTTelemetry::Send: Send telemetry failed. WinHTTP error: " + NamedWinHttpError(response.result));
+    } else if (response.status != HTTP_STATUS_OK) {
+        LogError("RESTTelemetry::Send: Send telemetry failed. WinHTTP status: " + std::to_string(response.status));
+    }
+}
+
+/// True when every function that a send calls in delay-loaded modules is there; says what is missing otherwise.
+bool HasTransport()
+{
+    for (const DelayImport& import : {delay_imports::winhttp, delay_imports::crypt32}) {
+        if (const std::string missing = FindMissing(import); !missing.empty()) {
+            LogError("Send telemetry failed: this Windows lacks " + missing);
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+void SendTelemetry(std::span<const std::uint8_t> report, const RunConfig& config)
+{
+    const ScopeTrace scope("SendTelemetry");
+    if (!HasTransport()) {
+        return;
+    }
+    RESTTelemetry telemetry(VantorLogging::GetLogger().IsActive(), config);
+    if (config.restTest) {
+        telemetry.Payload().SetReadOnly();
+    }
+    telemetry.Send(report.data(), report.size());
+}
+
+} // namespace vantor

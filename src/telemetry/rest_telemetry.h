@@ -1,0 +1,15 @@
+// The telemetry client: the one road by which a report leaves the machine.
+#pragma once
+
+#include "health/report.h"
+#include "run/run_config.h"
+
+#include <cstdint>
+#include <span>
+
+namespace vantor {
+
+/// Posts the report to the reputation service, once, and logs what came of it. Nothing of it fails the run.
+void SendTelemetry(std::span<const std::uint8_t> report, const RunConfig& config);
+
+} // namespace vantor

@@ -1,0 +1,119 @@
+#include "telemetry/vri_rest.h"
+
+#include "platform/owner.h"
+#include "platform/registry.h"
+#include "platform/text.h"
+#include "run/brand.h"
+#include "run/ipv6_preference.h"
+#include "run/logging.h"
+#include "service_endpoints.h"
+#include "telemetry/code_names.h"
+#include "telemetry/payload_text.h"
+#include "vantor_version.h"
+
+#include <windows.h>
+
+#include <wincrypt.h>
+
+#include <cstring>
+
+namespace vantor {
+namespace {
+
+struct CryptProviderPolicy {
+    using Value = HCRYPTPROV;
+    static Value None() noexcept { return 0; }
+    static void Release(Value value) noexcept { ::CryptReleaseContext(value, 0); }
+};
+
+/// A random request id; 0 when Windows has no random bytes to give.
+std::int64_t GetRandomNextId()
+{
+    constexpr const char* kFailed = "GetRandomNextId, Query failed. WinHTTP error: ";
+
+    Owner<CryptProviderPolicy> provider;
+    if (!::CryptAcquireContextW(provider.Receive(), nullptr, nullptr, PROV_RSA_FULL,
+                                CRYPT_VERIFYCONTEXT | CRYPT_SILENT)) {
+        LogError(kFailed + NamedWinHttpError(::GetLastError()));
+        return 0;
+    }
+    BYTE bytes[sizeof(std::int64_t)]{};
+    if (!::CryptGenRandom(provider.Get(), sizeof(bytes), bytes)) {
+        LogError(kFailed + NamedWinHttpError(::GetLastError()));
+    }
+    std::int64_t id = 0;
+    std::memcpy(&id, bytes, sizeof(id)); // little-endian, as every Windows is
+    return id;
+}
+
+/// The bytes as Base64 without line breaks; empty when encoding fails.
+std::string ToBase64(std::span<const std::uint8_t> bytes)
+{
+    const auto size = static_cast<DWORD>(bytes.size());
+    DWORD length = 0;
+    if (!::CryptBinaryToStringA(bytes.data(), size, CRYPT_STRING_BASE64 | CRYPT_STRING_NOCRLF, nullptr, &length)) {
+        return {};
+    }
+    std::string text(length, '\0');
+    if (!::CryptBinaryToStringA(bytes.data(), size, CRYPT_STRING_BASE64 | CRYPT_STRING_NOCRLF, text.data(), &length)) {
+        return {};
+    }
+    text.resize(length); // the second call does not count the final NUL
+    return text;
+}
+
+} // namespace
+
+VRIREST::VRIREST()
+    : m_prn(IsConsumerProductInstalled() ? L"VANTor-HSQ" : L"VANTor-EPV"), m_pv(ToWide(VANTOR_PRODUCT_VERSION_TEXT)),
+      m_sdkv(L"VXCore REST Client"), m_serviceHost(PrefersIpv6() ? kServiceHostIpv6 : kServiceHostIpv4)
+{
+    const ScopeTrace scope("VRIREST::VRIREST");
+    m_rid = std::to_wstring(GetRandomNextId());
+    ReadIdentifiers();
+}
+
+VRIREST::~VRIREST()
+{
+    const ScopeTrace scope("VRIREST::~VRIREST");
+}
+
+void VRIREST::ReadIdentifiers()
+{
+    constexpr std::size_t kBufferBytes = 510;
+
+    if (const auto key = RegistryKey::OpenForReading(L"Software\\Vexora\\AVSolution\\VXSHIELDGLOBAL\\GLOBAL")) {
+        m_cid = key->QueryText(L"customerid", kBufferBytes).value_or(L"");
+        m_cliid = key->QueryText(L"clientid", kBufferBytes).value_or(L"");
+        m_xpoid = key->QueryText(L"xpoguid", kBufferBytes).value_or(L"");
+    }
+    if (const auto key = RegistryKey::OpenForReading(L"Software\\Microsoft\\Cryptography")) {
+        m_machineGuid = key->QueryText(L"MachineGuid", kBufferBytes).value_or(L"");
+    }
+}
+
+std::string VRIREST::CreateCiSection() const
+{
+    const ScopeTrace scope("VRIREST::CreateCiSection");
+    ClientIdentification client;
+    client.affid = ToUtf8(m_affid);
+    client.cid = ToUtf8(m_cid);
+    client.cliid = ToUtf8(m_cliid);
+    client.xpoid = ToUtf8(m_xpoid);
+    client.prn = ToUtf8(m_prn);
+    client.pv = ToUtf8(m_pv);
+    client.rid = ToUtf8(m_rid);
+    client.readOnlyMarker = ToUtf8(m_readOnlyMarker);
+    client.sdkv = ToUtf8(m_sdkv);
+    return CiSectionText(client);
+}
+
+std::string VRIREST::CreatePostData(std::span<const std::uint8_t> report) const
+{
+    const ScopeTrace scope("VRIREST::CreatePostData");
+    std::string body = PostDataText(CreateCiSection(), ToBase64(report));
+    LogTrace(body);
+    return body;
+}
+
+} // namespace vantor

@@ -1,0 +1,111 @@
+#include "run/get_config.h"
+
+#include "platform/program.h"
+#include "run/brand.h"
+#include "run/ipv6_preference.h"
+#include "scratch_registry.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+namespace vantor {
+namespace {
+
+constexpr wchar_t kLogPathKey[] = L"Software\\Vexora\\AVSolution\\DS\\DS";
+
+/// The log path for these arguments behind the program's.
+std::string LogPath(std::vector<const char*> arguments = {})
+{
+    arguments.insert(arguments.begin(), "vantor.exe");
+    RunConfig config{.verbose = true}; // GetConfig starts from the defaults
+    GetConfig(config, static_cast<int>(arguments.size()), arguments.data());
+    EXPECT_FALSE(config.verbose);
+    return config.logFile;
+}
+
+/// The text file beside the program.
+class SideFile {
+public:
+    explicit SideFile(const std::string& text) { std::ofstream(m_path, std::ios::binary) << text; }
+    ~SideFile() { std::filesystem::remove(m_path); }
+
+private:
+    std::filesystem::path m_path = std::filesystem::path(*ProgramPath()).replace_extension(L".txt");
+};
+
+TEST(GetConfig, TheLogPathComesFromSideFileThenRegistryThenArgument)
+{
+    ScratchRegistry registry;
+    EXPECT_EQ(LogPath(), "");
+    const SideFile file("#/logfile=no\r\n/logfile=C:\\first.log\r\n/LOGFILE=no\n/logfile=C:\\side file.log\r\nend");
+    EXPECT_EQ(LogPath(), "C:\\side file.log");
+    registry.Set(kLogPathKey, L"szVanTORLog", L"C:\\registry.log");
+    EXPECT_EQ(LogPath(), "C:\\registry.log");
+    EXPECT_EQ(LogPath({"/logfile=C:\\argument.log"}), "C:\\argument.log");
+}
+
+TEST(GetConfig, AnyStateOfTheRegistryValueGivesAPathOrNone)
+{
+    const std::wstring longest(258, L'x');
+    const auto bytes = [](const std::wstring& text) {
+        const auto* const data = reinterpret_cast<const BYTE*>(text.data());
+        return std::vector<BYTE>(data, data + text.size() * sizeof(wchar_t));
+    };
+    const struct {
+        DWORD type;
+        std::vector<BYTE> data;
+        std::string path;
+    } kCases[] = {
+        {REG_SZ, {}, ""},
+        {REG_SZ, {'a', 0, 'b'}, "a"},                            // an odd byte, no terminator
+        {REG_SZ, bytes({L'a', 0, L'b', 0}), "a"},                // an embedded terminator
+        {REG_DWORD, {'a', 0, 'b', 0}, "ab"},                     // the type is not judged
+        {REG_SZ, bytes(longest + L'\0'), std::string(258, 'x')}, // the 518 bytes there is room for
+        {REG_BINARY, std::vector<BYTE>(519, 'x'), ""},           // one more is unreadable
+    };
+    for (const auto& row : kCases) {
+        ScratchRegistry registry;
+        registry.Set(kLogPathKey, L"szVanTORLog", row.type, row.data);
+        EXPECT_EQ(LogPath(), row.path) << row.data.size();
+    }
+}
+
+TEST(Brand, ConsumerProduct)
+{
+    constexpr wchar_t kConsumer[] = L"Software\\Vexora\\VSC";
+    constexpr wchar_t kEngine[] = L"Software\\VxeAV";
+    const std::wstring longest(30, L'x'); // 62 bytes with its terminator
+    {
+        ScratchRegistry registry;
+        EXPECT_FALSE(IsConsumerProductInstalled());
+        registry.Set(kEngine, L"VersionInfo", longest);
+        EXPECT_TRUE(IsConsumerProductInstalled());
+        registry.Create(kConsumer); // its own values decide as soon as this key is there
+        EXPECT_FALSE(IsConsumerProductInstalled());
+        registry.Set(kConsumer, L"MarketReleaseName", longest + L"x");
+        EXPECT_FALSE(IsConsumerProductInstalled());
+        registry.Set(kConsumer, L"MarketReleaseVer", L"1");
+        EXPECT_TRUE(IsConsumerProductInstalled());
+    }
+    ScratchRegistry registry;
+    registry.Set(kConsumer, L"MarketReleaseName", L"");
+    EXPECT_TRUE(IsConsumerProductInstalled());
+}
+
+TEST(Ipv6Preference, AnyNumberButZero)
+{
+    constexpr wchar_t kKey[] = L"SOFTWARE\\Vexora\\AVSolution\\VXSHIELDGLOBAL\\GLOBAL";
+    ScratchRegistry registry;
+    EXPECT_FALSE(PrefersIpv6());
+    registry.Set(kKey, L"vriuseipv6", DWORD{0});
+    EXPECT_FALSE(PrefersIpv6());
+    registry.Set(kKey, L"vriuseipv6", DWORD{0x80000000});
+    EXPECT_TRUE(PrefersIpv6());
+    registry.Set(kKey, L"vriuseipv6", L"1 as a text is longer than a number");
+    EXPECT_FALSE(PrefersIpv6());
+}
+
+} // namespace
+} // namespace vantor
