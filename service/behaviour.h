@@ -1,0 +1,35 @@
+// How the service answers a POST to /1, when it is to misbehave on purpose.
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace vantor::service {
+
+/// When the service cuts the connection, without an end of TLS.
+enum class CutPoint {
+    never,
+    beforeAnswer, ///< after the whole request was read
+    inBody,       ///< after half of the answer's body
+};
+
+/// The defaults are good behaviour: 200 for a well-formed pulse, 400 for another, at once, with a short body.
+struct Behaviour {
+    /// A stall that outlasts every client.
+    static constexpr std::chrono::milliseconds kLongStall{600'000};
+
+    std::optional<int> status;                       ///< instead of 200 or 400
+    std::chrono::milliseconds delay{0};              ///< before anything of the answer
+    std::optional<std::size_t> bodyBytes;            ///< a body of so many bytes 'x' instead of the usual one
+    bool chunked = false;                            ///< chunks instead of a Content-Length
+    std::optional<std::size_t> stallAfter;           ///< so many bytes of the body, then a pause
+    std::chrono::milliseconds stallFor = kLongStall; ///< length of that pause
+    CutPoint cut = CutPoint::never;
+    std::vector<std::pair<std::string, std::string>> headers; ///< more headers, such as Location
+};
+
+} // namespace vantor::service

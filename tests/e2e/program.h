@@ -1,0 +1,38 @@
+// Runs the built program under Wine and reads what it left behind.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace vantor::e2e {
+
+/// What a run of the program came to.
+struct Outcome {
+    int exitCode = -1;
+    std::string standardOutput;
+    std::string standardError;
+    std::vector<std::string> log; ///< lines of the log file without their time stamps, "TRACE: message"
+
+    /// Whether the log holds a line of this text, level included.
+    bool Logged(const std::string& line) const;
+};
+
+/// A folder for one test's files, emptied at the start of the test.
+std::filesystem::path ScratchFolder();
+
+/// A path as the program sees it.
+std::string WindowsPath(const std::filesystem::path& path);
+
+/// Runs the program with these arguments and a log file of its own, in the Wine prefix of these tests.
+Outcome RunProgram(std::vector<std::string> arguments);
+
+/// The same for another copy of the program, and with the log wherever logFile says; no /logfile is added.
+Outcome RunProgram(const std::filesystem::path& program, std::vector<std::string> arguments,
+                   const std::filesystem::path& logFile);
+
+/// Puts the product's part of the registry into the state of these lines of a registry file, under the test hook that
+/// sends reports to this machine. Whatever was there before is removed.
+void SetRegistry(const std::string& lines = {});
+
+} // namespace vantor::e2e

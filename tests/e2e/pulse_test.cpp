@@ -1,0 +1,257 @@
+// Whole pulses: the built program under Wine against the local service.
+#include "e2e/program.h"
+#include "service/reputation_service.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <regex>
+
+namespace vantor::e2e {
+namespace {
+
+using service::Behaviour;
+using service::ReputationService;
+
+/// A service that the program takes for the real one, with a certificate of the local authority.
+class LocalService : public ReputationService {
+public:
+    explicit LocalService(const std::string& certificate = "server-a")
+        : ReputationService(
+              {VANTOR_PKI_DIRECTORY "/" + certificate + ".pem", VANTOR_PKI_DIRECTORY "/" + certificate + ".key", 8000})
+    {
+        Start();
+    }
+};
+
+/// The request id is random; everything else of a body is not.
+std::string WithoutId(const std::string& body)
+{
+    return std::regex_replace(body, std::regex(R"("rid":-?[0-9]+,)"), "\"rid\":RID,");
+}
+
+constexpr char kCiSection[] = R"({"ci":{"affid":"0","cid":"","cliid":"","xpoid":"","pev":1.2,"prn":"VANTor-EPV",)"
+                              R"("pv":"1.0.14","rid":RID,"sdkv":"VXCore REST Client"},"rpt":{"vantor":")";
+
+class PulseTest : public ::testing::Test {
+protected:
+    void SetUp() override { SetRegistry(); }
+
+    static Outcome RunPeriodic() { return RunProgram({"/hcmode=periodic"}); }
+};
+
+TEST_F(PulseTest, EachModePostsItsReport)
+{
+    // The record on Windows 10 build 18362 without a product; the text items follow in a pre-update report.
+    const struct {
+        std::vector<std::string> arguments;
+        std::string report;
+    } kCases[] = {
+        {{"/hcmode=predatupdate", "/datver=5230.7"},
+         "DgEKAAAAAAC6RwH///////9uFAcAAQAOKwAAAAAAAAAAAAAAAQAAAAAAAABkhjwAVW5hdmFpbGFibGUAVW5hdmFpbGFibGUAVW5hdmFpbGFi"
+         "bGUAVW5hdmFpbGFibGUAVW5hdmFpbGFibGUA"},
+        {{"/hcmode=postdatupdate", "/datupdatestatus=-3"},
+         "DgIKAAAAAAC6RwH/////////////AQAOKwAAAAAAAAAAAAAAAAAAAAAAAABkhg=="},
+        {{"/hcmode=periodic"}, "DgMKAAAAAAC6RwH///////8AAAAAAQAOKwAAAAAAAAAAAAAAAQAAAAAAAABkhg=="},
+    };
+    LocalService service;
+    for (const auto& [arguments, report] : kCases) {
+        SCOPED_TRACE(arguments.front());
+        service.Forget();
+        const Outcome outcome = RunProgram(arguments);
+        EXPECT_EQ(outcome.exitCode, 0);
+        EXPECT_EQ(outcome.standardOutput + outcome.standardError, "");
+        const auto requests = service.Requests();
+        ASSERT_EQ(requests.size(), 1u);
+        EXPECT_EQ(requests[0].refusal, "");
+        EXPECT_EQ(WithoutId(requests[0].body), kCiSection + report + "\"}}");
+        EXPECT_EQ(requests[0].head, "POST /1 HTTP/1.1\r\nContent-Length: " + std::to_string(requests[0].body.size()) +
+                                        "\r\nUser-Agent: VXCore REST Client\r\nHost: localhost:8000\r\n"
+                                        "Connection: Keep-Alive\r\n\r\n");
+    }
+}
+
+TEST_F(PulseTest, ATestRequestSaysSo)
+{
+    LocalService service;
+    EXPECT_EQ(RunProgram({"/hcmode=periodic", "/resttest"}).exitCode, 0);
+    ASSERT_EQ(service.Pulses().size(), 1u);
+    EXPECT_TRUE(service.Pulses()[0].pulse.client.contains("ro"));
+}
+
+TEST_F(PulseTest, TheLogOfAPeriodicRunTellsEveryStepInOrder)
+{
+    LocalService service;
+    const Outcome outcome = RunPeriodic();
+
+    std::ifstream file(VANTOR_SOURCE_DIRECTORY "/tests/e2e/periodic.log");
+    std::vector<std::string> expected;
+    for (std::string line; std::getline(file, line);) {
+        expected.push_back(line);
+    }
+    const std::regex varying(R"(0x[0-9a-f]+|rid":-?[0-9]+|Z:\\.*|(From|On): [-0-9: ]+|Length: 2[0-9]+)");
+    std::vector<std::string> actual;
+    for (const std::string& line : outcome.log) {
+        actual.push_back(std::regex_replace(line, varying, "~"));
+    }
+    EXPECT_EQ(actual, expected);
+}
+
+TEST_F(PulseTest, OnlyAPinnedIssuersServerIsTrusted)
+{
+    const struct {
+        const char* certificate;
+        bool accepted;
+        const char* line;
+    } kCases[] = {
+        {"server-b", true, "TRACE: HttpRequest::ValidateServerCert: Verified: 1"},
+        {"server-outsider", false,
+         "ERROR: HttpConnection::SendRequest: The server's certificate chain is trusted, but none of the pinned issuers "
+         "signed the certificate: an inspecting proxy between this host and the service is the likely cause."},
+        {"server-outsider", false,
+         "ERROR: RESTTelemetry::Send: Send telemetry failed. WinHTTP error: ERROR_WINHTTP_SECURE_FAILURE 12175"},
+        {"server-expired", false,
+         "ERROR: RESTTelemetry::Send: Send telemetry failed. WinHTTP error: ERROR_WINHTTP_SECURE_CHANNEL_ERROR 12157"},
+    };
+    for (const auto& [certificate, accepted, line] : kCases) {
+        SCOPED_TRACE(certificate);
+        LocalService service(certificate);
+        const Outcome outcome = RunPeriodic();
+        EXPECT_EQ(outcome.exitCode, 0);
+        EXPECT_TRUE(outcome.Logged(line));
+        const auto failed = [](const std::string& text) { return text.find("Send telemetry failed") != text.npos; };
+        EXPECT_EQ(std::none_of(outcome.log.begin(), outcome.log.end(), failed), accepted);
+    }
+}
+
+TEST_F(PulseTest, RepliesThatAreNoSuccess)
+{
+    using std::chrono::milliseconds;
+    const struct {
+        Behaviour behaviour;
+        const char* line;
+    } kCases[] = {
+        {{.status = 204}, "ERROR: RESTTelemetry::Send: Send telemetry failed. WinHTTP status: 204"},
+        {{.status = 500}, "ERROR: RESTTelemetry::Send: Send telemetry failed. WinHTTP status: 500"},
+        {{.cut = service::CutPoint::beforeAnswer},
+         "ERROR: RESTTelemetry::Send: Send telemetry failed. WinHTTP error: ERROR_WINHTTP_INVALID_SERVER_RESPONSE "
+         "12152"},
+        {{.bodyBytes = 1000, .stallAfter = 10},
+         "ERROR: RESTTelemetry::Send: Send telemetry failed. WinHTTP error: Unknown error (10060) 10060"},
+    };
+    LocalService service;
+    for (const auto& [behaviour, line] : kCases) {
+        SCOPED_TRACE(line);
+        service.Forget();
+        service.SetBehaviour(behaviour);
+        const Outcome outcome = RunPeriodic();
+        EXPECT_EQ(outcome.exitCode, 0);
+        EXPECT_TRUE(outcome.Logged(line));
+        EXPECT_EQ(service.Requests().size(), 1u); // nothing is sent twice
+    }
+}
+
+TEST_F(PulseTest, RepliesOfAnyShapeAreReadWhole)
+{
+    const struct {
+        Behaviour behaviour;
+        std::size_t size;
+    } kCases[] = {
+        {{.bodyBytes = 1024 * 1024}, 1024 * 1024},
+        {{.bodyBytes = 70000, .chunked = true}, 70000},
+        {{.bodyBytes = 0}, 0},
+    };
+    LocalService service;
+    for (const auto& [behaviour, size] : kCases) {
+        service.SetBehaviour(behaviour);
+        const Outcome outcome = RunPeriodic();
+        EXPECT_TRUE(outcome.Logged("TRACE: HttpRequest::ReadPayload: Response data: " + std::string(size, 'x')));
+        EXPECT_FALSE(outcome.Logged("WARN: HttpConnection::Query: Failed to get response"));
+    }
+}
+
+TEST_F(PulseTest, WithoutAServerOneDirectAttemptFollowsAndTheRunEndsWell)
+{
+    const Outcome outcome = RunPeriodic();
+    EXPECT_EQ(outcome.exitCode, 0);
+    const std::string refused = "ERROR: HttpRequest::Send: HttpRequest::Send WinHttpSendRequest result "
+                                "ERROR_WINHTTP_CANNOT_CONNECT 12029";
+    EXPECT_EQ(std::count(outcome.log.begin(), outcome.log.end(), refused), 2);
+    EXPECT_TRUE(outcome.Logged(" WARN: HttpConnection::Query: Using proxy fallback"));
+    EXPECT_TRUE(outcome.Logged("TRACE: C_HTTPProxyAuthListManager::InitRequest: No rep authentication configured."));
+    EXPECT_TRUE(outcome.Logged("ERROR: RESTTelemetry::Send: Send telemetry failed. WinHTTP error: "
+                               "ERROR_WINHTTP_CANNOT_CONNECT 12029"));
+    EXPECT_EQ(outcome.log.back(), "TRACE: Leaving SendTelemetry");
+}
+
+TEST_F(PulseTest, InvalidCommandLinesEndWithTheirMessage)
+{
+    const struct {
+        std::vector<std::string> arguments;
+        std::string message;
+    } kCases[] = {
+        {{"/hcmode"}, "Malformed command line argument: '/hcmode' Expected /key=value"},
+        {{"/periodicruncount=x"}, "Non digit in CovertToUnsigned"},
+        {{"/periodicruncount=99999999999999999999"}, "stoull argument out of range"},
+        {{"/port=65536"}, "Overflow in CovertToUnsigned"},
+        {{"/datupdatestatus=x"}, "Non digit in CovertToSigned"},
+        {{"/datupdatestatus=-"}, "invalid stoll argument"},
+        {{"/datupdatestatus=99999999999999999999"}, "stoll argument out of range"},
+        {{"/datupdatestatus=-129"}, "Underflow in CovertToSigned"},
+        {{"/datupdatestatus=128"}, "Overflow in CovertToSigned"},
+        {{"/uninstall", "/test"}, "/uninstall must be the only option set."},
+        {{"/cleanstate", "/test"}, "/cleanstate must be the only option set."},
+        {{"/periodicruncount=0", "/continue"}, "/periodicruncount can only have proxy/hcmode settings."},
+        {{"/hcmode=Periodic"}, "/hcmode must be {predatupdate|postdatupdate|periodic}: Periodic"},
+        {{"/hcmode=postdatupdate"}, "/datupdatestatus=<number> is mandatory if /hcmode=postdatupdate "},
+        {{"/delaypostdat=3"}, "/delaypostdat=<number> can only be used with /hcmode=postdatupdate "},
+        {{"/server=proxy"}, "/server and /port must be specified together"},
+    };
+    for (const auto& [arguments, message] : kCases) {
+        const Outcome outcome = RunProgram(arguments);
+        EXPECT_EQ(outcome.exitCode, 1);
+        EXPECT_EQ(outcome.standardError, "Error: " + message + "\r\n");
+        EXPECT_EQ(outcome.standardOutput, "");
+        EXPECT_TRUE(outcome.log.empty());
+    }
+}
+
+TEST_F(PulseTest, WithoutAModeNothingIsSent)
+{
+    LocalService service;
+    EXPECT_EQ(RunProgram({"/uninstall"}).exitCode, 0);
+    EXPECT_TRUE(service.Requests().empty());
+    EXPECT_EQ(service.ConnectionCount(), 0u);
+}
+
+TEST_F(PulseTest, TheLogPathComesFromSideFileThenRegistryThenArgument)
+{
+    const auto folder = ScratchFolder();
+    const auto program = folder / "vantor.exe";
+    std::filesystem::copy_file(VANTOR_PROGRAM, program);
+    std::ofstream(folder / "vantor.txt") << "/logfile=" << WindowsPath(folder / "side.log") << "\r\n";
+
+    Outcome outcome = RunProgram(program, {"/verbose"}, folder / "side.log");
+    EXPECT_EQ(outcome.log, (std::vector<std::string>{
+                               "TRACE: Entering GetConfig",
+                               "TRACE: Handling '/logfile' from config file.",
+                               "TRACE: Handling argument " + WindowsPath(program),
+                               "TRACE: Handling argument /verbose",
+                               "TRACE: Leaving GetConfig",
+                           }));
+    EXPECT_NE(outcome.standardOutput.find("TRACE: Leaving GetConfig\r\n"), std::string::npos);
+
+    std::string path = WindowsPath(folder / "registry.log");
+    path = std::regex_replace(path, std::regex(R"(\\)"),
+                              R"(\\)"
+                              R"(\\)");
+    SetRegistry("[HKEY_LOCAL_MACHINE\\SOFTWARE\\Vexora\\AVSolution\\DS\\DS]\n\"szVanTORLog\"=\"" + path + "\"\n");
+    EXPECT_EQ(RunProgram(program, {}, folder / "registry.log").log.size(), 4u);
+    outcome = RunProgram(program, {"/logfile=" + WindowsPath(folder / "argument.log")}, folder / "argument.log");
+    EXPECT_EQ(outcome.log.size(), 5u);
+}
+
+} // namespace
+} // namespace vantor::e2e
