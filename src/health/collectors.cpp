@@ -2,30 +2,24 @@
 
 #include "health/content_version.h"
 #include "health/host_probes.h"
+#include "health/process_probe.h"
+#include "health/product_probes.h"
+#include "health/text_probes.h"
 #include "run/ipv6_preference.h"
 #include "run/logging.h"
 
 #include <sstream>
 #include <string>
-#include <vector>
 
 namespace vantor {
 namespace {
-
-void MarkEngineVersionUnknown(HealthRecord& record)
-{
-    record.vxcore_major = 0xFF;
-    record.vxcore_minor = 0xFF;
-    record.vxcore_patch = 0xFF;
-    record.vxcore_build = 0xFFFF;
-    record.vxcore_pkg = 0xFF;
-}
 
 void SetContentVersion(HealthRecord& record, const RunConfig& config)
 {
     const ScopeTrace scope("GetDatVersion");
     const auto given = ParseContentVersion(config.datver);
     if (!given && IsPeriodic(config)) {
+        GetDATVersionFromReg(record);
         return;
     }
     const ContentVersion version = given.value_or(ContentVersion());
@@ -52,6 +46,15 @@ void SetProxyBits(TestResultBits& bits, const RunConfig& config)
     bits.Set(ResultBit::target, !config.target.empty());
 }
 
+/// What the integrity checks found earlier in the run.
+void SetFilterDriverBits(TestResultBits& bits, const RunConfig& config)
+{
+    bits.Set(ResultBit::vxedisk_deleteFlag, config.vxediskDeleteFlag);
+    bits.Set(ResultBit::vxedisk_deleteFlagError, config.vxediskDeleteFlagError);
+    bits.Set(ResultBit::vxedisk_startValue, config.vxediskStartValue);
+    bits.Set(ResultBit::vxedisk_startValueError, config.vxediskStartValueError);
+}
+
 HealthRecord CollectRecord(const RunConfig& config)
 {
     const ScopeTrace scope("GetOSInfo");
@@ -60,10 +63,19 @@ HealthRecord CollectRecord(const RunConfig& config)
 
     ReadOsVersion(record);
     bits.Set(ResultBit::dat_update_ok, config.datUpdateStatus == 0);
-    MarkEngineVersionUnknown(record);
+    GetVXCoreVersion(record);
+    GetThottleMode(record);
     SetContentVersion(record, config);
     SetMode(record, config);
     SetProxyBits(bits, config);
+    GetProcessInfo(record, ListProcesses());
+    bits.Set(ResultBit::meltdown_compat, IsQualityCompatible());
+    bits.Set(ResultBit::os_type, IsServerProduct());
+    ReadRepCommunicatorVersion(record);
+    SetFilterDriverBits(bits, config);
+    ReadCaseSensitivity(bits);
+    ReadAtpState(bits);
+    ReadCounters(record, config);
     record.arch = NativeMachine();
     bits.Set(ResultBit::ipv6, PrefersIpv6());
 
@@ -98,10 +110,7 @@ ReportBytes GetOSInfo(const RunConfig& config)
 ReportBytes GetPreUpdateInfo(const RunConfig& config)
 {
     const HealthRecord record = CollectRecord(config);
-
-    // Product, processor, language, ATP and graphics.
-    const std::vector<std::string> items(5, kUnavailable);
-    const TextBlock block = BuildTextBlock(items);
+    const TextBlock block = BuildTextBlock(CollectTextItems());
     for (const std::string& item : block.leftOut) {
         LogWarning("The report has no room for the text item: " + item);
     }

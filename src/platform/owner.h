@@ -61,12 +61,21 @@ private:
     Value m_value = Policy::None();
 };
 
+/// A handle from a call that says failure with INVALID_HANDLE_VALUE, such as CreateFileW.
 struct FileHandlePolicy {
     using Value = HANDLE;
     static Value None() noexcept { return INVALID_HANDLE_VALUE; }
     static void Release(Value value) noexcept { ::CloseHandle(value); }
 };
 using FileHandle = Owner<FileHandlePolicy>;
+
+/// A kernel object's handle from a call that says failure with a null handle, such as OpenProcess.
+struct KernelHandlePolicy {
+    using Value = HANDLE;
+    static Value None() noexcept { return nullptr; }
+    static void Release(Value value) noexcept { ::CloseHandle(value); }
+};
+using KernelHandle = Owner<KernelHandlePolicy>;
 
 /// Memory that a Windows call allocated with GlobalAlloc, such as the strings of WinHTTP's proxy calls.
 struct GlobalTextPolicy {

@@ -41,4 +41,31 @@ std::optional<std::wstring> RegistryKey::QueryText(const wchar_t* value, std::si
     return text;
 }
 
+std::optional<std::wstring> RegistryKey::QueryWholeText(const wchar_t* value) const
+{
+    constexpr DWORD kMostBytes = 1024 * 1024;
+
+    DWORD size = 0;
+    if (Query(value, nullptr, size) != ERROR_SUCCESS || size > kMostBytes) {
+        return std::nullopt;
+    }
+    return QueryText(value, size + sizeof(wchar_t)); // room for an odd last byte
+}
+
+std::vector<std::wstring> RegistryKey::SubkeyNames() const
+{
+    constexpr DWORD kLongestName = 256; // Windows' limit is 255
+
+    std::vector<std::wstring> names;
+    for (DWORD index = 0;; ++index) {
+        wchar_t name[kLongestName];
+        DWORD length = kLongestName;
+        if (::RegEnumKeyExW(m_handle.Get(), index, name, &length, nullptr, nullptr, nullptr, nullptr) !=
+            ERROR_SUCCESS) {
+            return names;
+        }
+        names.emplace_back(name, length);
+    }
+}
+
 } // namespace vantor

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace vantor {
 
@@ -25,6 +26,12 @@ public:
     /// A value of at most bufferBytes bytes as text up to its first NUL, whatever its type; an odd last byte is
     /// dropped, a missing NUL is not missed. Nothing when the query fails, a longer value included.
     std::optional<std::wstring> QueryText(const wchar_t* value, std::size_t bufferBytes) const;
+
+    /// The same for a value of any length up to 1 MiB: its size is asked for first.
+    std::optional<std::wstring> QueryWholeText(const wchar_t* value) const;
+
+    /// The names of the key's subkeys in Windows' order (RegEnumKeyExW).
+    std::vector<std::wstring> SubkeyNames() const;
 
 private:
     explicit RegistryKey(RegistryHandle handle) : m_handle(std::move(handle)) {}

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
+#include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -17,6 +18,21 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t kStampLength = 19; // "26/11/21 08:41:36: "
+
+/// Nothing that a probe reads is there; reports go to this machine.
+constexpr char kEmptyMachine[] = R"(REGEDIT4
+
+[-HKEY_LOCAL_MACHINE\SOFTWARE\Vexora]
+[-HKEY_LOCAL_MACHINE\SOFTWARE\VxeAV]
+[-HKEY_LOCAL_MACHINE\SOFTWARE\Microsoft\Windows\CurrentVersion\QualityCompat]
+[-HKEY_LOCAL_MACHINE\SYSTEM\ControlSet001]
+[HKEY_LOCAL_MACHINE\HARDWARE\DESCRIPTION\System\CentralProcessor\0]
+"Identifier"=-
+[HKEY_LOCAL_MACHINE\SYSTEM\CurrentControlSet\Control\FileSystem]
+"NtfsEnableDirCaseSensitivity"=-
+[HKEY_LOCAL_MACHINE\SOFTWARE\Vexora\AVSolution\SetVriLocalHost]
+
+)";
 
 std::string ReadFile(const fs::path& path)
 {
@@ -37,8 +53,8 @@ std::vector<std::string> ReadLog(const fs::path& path)
     return lines;
 }
 
-/// Runs a program of this machine, its output in files; the time limit is the script's that it runs through.
-int Run(const std::vector<std::string>& command, const fs::path& output, const fs::path& error)
+/// Starts a program of this machine and returns its process id.
+pid_t Start(const std::vector<std::string>& command, int output, int error)
 {
     std::vector<char*> arguments;
     for (const std::string& word : command) {
@@ -48,23 +64,41 @@ int Run(const std::vector<std::string>& command, const fs::path& output, const f
 
     const pid_t child = ::fork();
     if (child == 0) {
-        ::dup2(::open(output.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644), STDOUT_FILENO);
-        ::dup2(::open(error.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644), STDERR_FILENO);
+        ::dup2(output, STDOUT_FILENO);
+        ::dup2(error, STDERR_FILENO);
         ::execv(arguments[0], arguments.data());
         ::_exit(127);
     }
+    return child;
+}
+
+/// Runs a program of this machine, its output in files; the time limit is the script's that it runs through.
+int Run(const std::vector<std::string>& command, const fs::path& output, const fs::path& error)
+{
+    constexpr int kWrite = O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC;
+
+    const int outputFile = ::open(output.c_str(), kWrite, 0644);
+    const int errorFile = ::open(error.c_str(), kWrite, 0644);
+    const pid_t child = Start(command, outputFile, errorFile);
+    ::close(outputFile);
+    ::close(errorFile);
     int status = 0;
     EXPECT_EQ(::waitpid(child, &status, 0), child);
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+std::vector<std::string> UnderWine(std::vector<std::string> command)
+{
+    command.insert(command.begin(), {VANTOR_SOURCE_DIRECTORY "/tools/wine-run", "e2e"});
+    return command;
 }
 
 Outcome RunUnderWine(std::vector<std::string> command)
 {
     const fs::path output = ScratchFolder() / "stdout.txt";
     const fs::path error = ScratchFolder() / "stderr.txt";
-    command.insert(command.begin(), {VANTOR_SOURCE_DIRECTORY "/tools/wine-run", "e2e"});
     Outcome outcome;
-    outcome.exitCode = Run(command, output, error);
+    outcome.exitCode = Run(UnderWine(std::move(command)), output, error);
     outcome.standardOutput = ReadFile(output);
     outcome.standardError = ReadFile(error);
     return outcome;
@@ -115,11 +149,28 @@ Outcome RunProgram(const fs::path& program, std::vector<std::string> arguments, 
 void SetRegistry(const std::string& lines)
 {
     const fs::path file = ScratchFolder() / "state.reg";
-    std::ofstream(file) << "REGEDIT4\n\n[-HKEY_LOCAL_MACHINE\\SOFTWARE\\Vexora]\n\n"
-                           "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Vexora\\AVSolution\\SetVriLocalHost]\n\n"
-                        << lines;
+    std::ofstream(file) << kEmptyMachine << lines;
     const Outcome outcome = RunUnderWine({"reg", "import", WindowsPath(file)});
     ASSERT_EQ(outcome.exitCode, 0) << outcome.standardOutput << outcome.standardError;
+}
+
+StandIn::StandIn(const std::string& name, int mebibytes)
+{
+    const fs::path program = ScratchFolder() / name;
+    fs::copy_file(VANTOR_TEST_MODULES "/process_stand_in.exe", program);
+    int pipe[2];
+    EXPECT_EQ(::pipe2(pipe, O_CLOEXEC), 0);
+    m_process = Start(UnderWine({program.string(), std::to_string(mebibytes)}), pipe[1], STDERR_FILENO);
+    ::close(pipe[1]);
+    char ready = 0;
+    EXPECT_EQ(::read(pipe[0], &ready, 1), 1) << name; // it has its memory now
+    ::close(pipe[0]);
+}
+
+StandIn::~StandIn()
+{
+    ::kill(m_process, SIGTERM);
+    ::waitpid(m_process, nullptr, 0);
 }
 
 } // namespace vantor::e2e

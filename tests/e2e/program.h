@@ -31,8 +31,20 @@ Outcome RunProgram(std::vector<std::string> arguments);
 Outcome RunProgram(const std::filesystem::path& program, std::vector<std::string> arguments,
                    const std::filesystem::path& logFile);
 
-/// Puts the product's part of the registry into the state of these lines of a registry file, under the test hook that
-/// sends reports to this machine. Whatever was there before is removed.
+/// Puts what the program reads of the registry into the state of these lines of a registry file, on a machine without
+/// the product otherwise, and under the test hook that sends reports to this machine.
 void SetRegistry(const std::string& lines = {});
+
+/// A program that runs in the prefix under this name and holds that much memory, until the object ends.
+class StandIn {
+public:
+    explicit StandIn(const std::string& name, int mebibytes = 0);
+    ~StandIn();
+    StandIn(const StandIn&) = delete;
+    StandIn& operator=(const StandIn&) = delete;
+
+private:
+    int m_process;
+};
 
 } // namespace vantor::e2e

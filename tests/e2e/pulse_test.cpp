@@ -1,6 +1,6 @@
 // Whole pulses: the built program under Wine against the local service.
+#include "e2e/local_service.h"
 #include "e2e/program.h"
-#include "service/reputation_service.h"
 
 #include <gtest/gtest.h>
 
@@ -13,18 +13,6 @@ namespace vantor::e2e {
 namespace {
 
 using service::Behaviour;
-using service::ReputationService;
-
-/// A service that the program takes for the real one, with a certificate of the local authority.
-class LocalService : public ReputationService {
-public:
-    explicit LocalService(const std::string& certificate = "server-a")
-        : ReputationService(
-              {VANTOR_PKI_DIRECTORY "/" + certificate + ".pem", VANTOR_PKI_DIRECTORY "/" + certificate + ".key", 8000})
-    {
-        Start();
-    }
-};
 
 /// The request id is random; everything else of a body is not.
 std::string WithoutId(const std::string& body)
@@ -44,14 +32,15 @@ protected:
 
 TEST_F(PulseTest, EachModePostsItsReport)
 {
-    // The record on Windows 10 build 18362 without a product; the text items follow in a pre-update report.
+    // The record on Windows 10 build 18362 without a product. A pre-update report goes on with the text items
+    // "Unavailable", "Unavailable", "0x0409", "Unavailable" and "Unavailable".
     const struct {
         std::vector<std::string> arguments;
         std::string report;
     } kCases[] = {
         {{"/hcmode=predatupdate", "/datver=5230.7"},
-         "DgEKAAAAAAC6RwH///////9uFAcAAQAOKwAAAAAAAAAAAAAAAQAAAAAAAABkhjwAVW5hdmFpbGFibGUAVW5hdmFpbGFibGUAVW5hdmFpbGFi"
-         "bGUAVW5hdmFpbGFibGUAVW5hdmFpbGFibGUA"},
+         "DgEKAAAAAAC6RwH///////9uFAcAAQAOKwAAAAAAAAAAAAAAAQAAAAAAAABkhjcAVW5hdmFpbGFibGUAVW5hdmFpbGFibGUAMHgw"
+         "NDA5AFVuYXZhaWxhYmxlAFVuYXZhaWxhYmxlAA=="},
         {{"/hcmode=postdatupdate", "/datupdatestatus=-3"},
          "DgIKAAAAAAC6RwH/////////////AQAOKwAAAAAAAAAAAAAAAAAAAAAAAABkhg=="},
         {{"/hcmode=periodic"}, "DgMKAAAAAAC6RwH///////8AAAAAAQAOKwAAAAAAAAAAAAAAAQAAAAAAAABkhg=="},
