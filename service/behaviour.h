@@ -19,15 +19,12 @@ enum class CutPoint {
 
 /// The defaults are good behaviour: 200 for a well-formed pulse, 400 for another, at once, with a short body.
 struct Behaviour {
-    /// A stall that outlasts every client.
-    static constexpr std::chrono::milliseconds kLongStall{600'000};
-
-    std::optional<int> status;                       ///< instead of 200 or 400
-    std::chrono::milliseconds delay{0};              ///< before anything of the answer
-    std::optional<std::size_t> bodyBytes;            ///< a body of so many bytes 'x' instead of the usual one
-    bool chunked = false;                            ///< chunks instead of a Content-Length
-    std::optional<std::size_t> stallAfter;           ///< so many bytes of the body, then a pause
-    std::chrono::milliseconds stallFor = kLongStall; ///< length of that pause
+    std::optional<int> status;                   ///< instead of 200 or 400
+    std::chrono::milliseconds delay{0};          ///< before anything of the answer
+    std::optional<std::size_t> bodyBytes;        ///< a body of so many bytes 'x' instead of the usual one
+    bool chunked = false;                        ///< chunks instead of a Content-Length
+    std::optional<std::size_t> stallAfter;       ///< so many bytes of the body, then a pause
+    std::chrono::milliseconds stallFor{600'000}; ///< length of that pause; it outlasts every client
     CutPoint cut = CutPoint::never;
     std::vector<std::pair<std::string, std::string>> headers; ///< more headers, such as Location
 };

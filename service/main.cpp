@@ -2,13 +2,14 @@
 #include "service/printable_text.h"
 #include "service/pulse_text.h"
 #include "service/reputation_service.h"
-#include "service/service_options.h"
 
+#include <algorithm>
+#include <charconv>
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
+#include <iomanip>
 #include <iostream>
-#include <span>
 
 namespace {
 
@@ -16,6 +17,111 @@ using namespace vantor::service;
 
 constexpr int kExitCannotStart = 1;
 constexpr int kExitWrongOptions = 2;
+constexpr int kMostBodyBytes = 256'000'000;
+constexpr int kLongestDelayMs = 600'000;
+
+struct Options {
+    ServiceConfig config;
+    std::string pulsesFile; ///< empty: pulses are only printed
+    Behaviour behaviour;
+    bool help = false;
+};
+
+/// what() says what is wrong with the command line.
+class OptionError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// An option with the name of its value, if it takes one; what it does, and how it is taken.
+struct Option {
+    std::string_view usage;
+    const char* help;
+    void (*take)(Options& options, const std::string& value);
+
+    std::string_view Name() const { return usage.substr(0, usage.find(' ')); }
+    bool HasValue() const { return Name() != usage; }
+};
+
+int Number(const std::string& text, int least, int most)
+{
+    int number = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, number);
+    if (error != std::errc() || stop != end || number < least || number > most) {
+        throw OptionError('"' + text + "\" is no number from " + std::to_string(least) + " to " + std::to_string(most));
+    }
+    return number;
+}
+
+std::size_t Bytes(const std::string& text)
+{
+    return static_cast<std::size_t>(Number(text, 0, kMostBodyBytes));
+}
+
+CutPoint Cut(const std::string& text)
+{
+    if (text != "before-answer" && text != "in-body") {
+        throw OptionError("--close needs before-answer or in-body, not \"" + text + '"');
+    }
+    return text == "in-body" ? CutPoint::inBody : CutPoint::beforeAnswer;
+}
+
+constexpr Option kOptions[] = {
+    {"--port N", "listen on this port (default 8000; 0: any that is free)",
+     [](auto& options, auto& value) { options.config.port = static_cast<std::uint16_t>(Number(value, 0, 65535)); }},
+    {"--certificate FILE", "the server's certificate, PEM (required)",
+     [](auto& options, auto& value) { options.config.certificateFile = value; }},
+    {"--key FILE", "its private key, PEM (required)",
+     [](auto& options, auto& value) { options.config.keyFile = value; }},
+    {"--pulses FILE", "append one JSON line a pulse to this file",
+     [](auto& options, auto& value) { options.pulsesFile = value; }},
+    {"--status N", "answer with this status",
+     [](auto& options, auto& value) { options.behaviour.status = Number(value, 200, 599); }},
+    {"--delay MS", "wait so long before the answer",
+     [](auto& options, auto& value) {
+         options.behaviour.delay = std::chrono::milliseconds(Number(value, 0, kLongestDelayMs));
+     }},
+    {"--body-bytes N", "answer with a body of so many bytes",
+     [](auto& options, auto& value) { options.behaviour.bodyBytes = Bytes(value); }},
+    {"--chunked", "send the body in chunks", [](auto& options, auto&) { options.behaviour.chunked = true; }},
+    {"--stall-after BYTES", "stop sending after so many bytes of the body",
+     [](auto& options, auto& value) { options.behaviour.stallAfter = Bytes(value); }},
+    {"--close WHEN", "cut the connection: before-answer or in-body",
+     [](auto& options, auto& value) { options.behaviour.cut = Cut(value); }},
+    {"--help", "show this text", [](auto& options, auto&) { options.help = true; }},
+};
+
+void ShowHelp()
+{
+    std::cout << "vantor-service receives pulses on https://localhost, checks, decodes and shows them.\n\nOptions:\n";
+    for (const Option& option : kOptions) {
+        std::cout << "  " << std::left << std::setw(22) << option.usage << option.help << '\n';
+    }
+    std::cout << "\nIt ends on SIGTERM or SIGINT. Exit code: 0 ended so, 1 could not start, 2 wrong options.\n";
+}
+
+/// Reads the arguments behind the program's name. Throws OptionError.
+Options ParseOptions(const std::vector<std::string>& arguments)
+{
+    Options options;
+    options.config.port = 8000;
+    for (auto argument = arguments.begin(); argument != arguments.end(); ++argument) {
+        const auto* const option = std::find_if(std::begin(kOptions), std::end(kOptions),
+                                                [&](const Option& one) { return one.Name() == *argument; });
+        if (option == std::end(kOptions)) {
+            throw OptionError("there is no option \"" + *argument + '"');
+        }
+        if (option->HasValue() && ++argument == arguments.end()) {
+            throw OptionError("a value is missing: " + std::string(option->usage));
+        }
+        option->take(options, *argument);
+    }
+    if (!options.help && (options.config.certificateFile.empty() || options.config.keyFile.empty())) {
+        throw OptionError("--certificate and --key are required");
+    }
+    return options;
+}
 
 int Complain(const std::string& message, int exitCode)
 {
@@ -47,7 +153,7 @@ void ShowPulse(const ReceivedPulse& received, std::ofstream& pulses)
     }
 }
 
-int Serve(const ServiceOptions& options)
+int Serve(const Options& options)
 {
     std::ofstream pulses;
     if (!options.pulsesFile.empty()) {
@@ -78,14 +184,13 @@ int Serve(const ServiceOptions& options)
 int main(int count, char** arguments)
 {
     try {
-        const std::span all(arguments, static_cast<std::size_t>(count));
-        const ServiceOptions options = ParseServiceOptions(all.subspan(count > 0 ? 1 : 0));
+        const Options options = ParseOptions({arguments + 1, arguments + count});
         if (options.help) {
-            std::cout << ServiceHelpText();
+            ShowHelp();
             return EXIT_SUCCESS;
         }
         return Serve(options);
-    } catch (const ServiceOptionError& error) {
+    } catch (const OptionError& error) {
         return Complain(std::string(error.what()) + " (--help lists the options)", kExitWrongOptions);
     }
 }

@@ -7,9 +7,8 @@
 
 namespace vantor::service {
 
-/// The text with every byte of a control character, of a character that steers the direction or width of text, and of
-/// anything that is not UTF-8 written as \xNN. Of a text longer than limitBytes only the beginning is shown, with "..."
-/// behind it.
+/// The text with every byte that is no printable ASCII character written as \xNN. Of a text longer than limitBytes only
+/// the beginning is shown, with "..." behind it.
 std::string PrintableText(std::string_view text, std::size_t limitBytes = std::string_view::npos);
 
 } // namespace vantor::service

@@ -1,10 +1,12 @@
 #include "service/pulse_decoder.h"
 
-#include "service/base64.h"
 #include "service/printable_text.h"
+
+#include <openssl/evp.h>
 
 #include <cstdint>
 #include <limits>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -14,6 +16,8 @@ namespace {
 using nlohmann::ordered_json;
 
 enum class Type { object, string, protocolVersion, integer, literalTrue };
+constexpr const char* kTypeTexts[] = {"an object", "a string", "the number 1.2", "an integer of 64 bits with sign",
+                                      "true"};
 
 constexpr std::string_view kProtocolVersion = "1.2";
 constexpr std::size_t kShownKeyBytes = 40;
@@ -37,23 +41,6 @@ constexpr Member kBodyMembers[] = {
 };
 constexpr Member kBody{"the body", Type::object, false, kBodyMembers};
 
-const char* TypeText(Type type)
-{
-    switch (type) {
-    case Type::object:
-        return "an object";
-    case Type::string:
-        return "a string";
-    case Type::protocolVersion:
-        return "the number 1.2";
-    case Type::integer:
-        return "an integer of 64 bits with sign";
-    case Type::literalTrue:
-        return "true";
-    }
-    return "";
-}
-
 std::string Quoted(std::string_view key)
 {
     return '"' + PrintableText(key, kShownKeyBytes) + '"';
@@ -68,39 +55,26 @@ public:
 
     bool start_object(std::size_t /*size*/) override
     {
-        if (m_open.empty()) {
-            m_open.push_back({&kBody, 0});
-            return true;
-        }
-        const Member& member = Accept(Type::object);
-        m_open.push_back({&member, 0});
+        const Member& object = m_open.empty() ? kBody : Accept(Type::object);
+        m_open.push_back({&object, 0});
         return true;
     }
 
     bool key(string_t& name) override
     {
-        Place& place = m_open.back();
-        const auto members = place.object->members;
-        std::size_t index = place.next;
-        while (index < members.size() && members[index].optional && members[index].key != name) {
-            ++index;
+        const Member* const next = NextMember(name);
+        if (next == nullptr || next->key != name) {
+            const std::string expected = next == nullptr ? "the end" : Quoted(next->key);
+            throw PulseError(Where() + ": " + Quoted(name) + " stands where " + expected + " belongs");
         }
-        if (index == members.size() || members[index].key != name) {
-            throw PulseError(Where() + ": " + Quoted(name) + " stands where " + ExpectedText(place) + " belongs");
-        }
-        place.next = index + 1;
+        ++m_open.back().next;
         return true;
     }
 
     bool end_object() override
     {
-        Place& place = m_open.back();
-        const auto members = place.object->members;
-        while (place.next < members.size() && members[place.next].optional) {
-            ++place.next;
-        }
-        if (place.next < members.size()) {
-            throw PulseError(Where() + ": " + Quoted(members[place.next].key) + " is missing");
+        if (const Member* const next = NextMember({})) {
+            throw PulseError(Where() + ": " + Quoted(next->key) + " is missing");
         }
         m_open.pop_back();
         return true;
@@ -161,10 +135,14 @@ private:
         return object == &kBody ? std::string(kBody.key) : Quoted(object->key);
     }
 
-    static std::string ExpectedText(const Place& place)
+    /// The member that comes next, optional ones of another name passed over; none at the end of the object.
+    const Member* NextMember(std::string_view name)
     {
-        const auto members = place.object->members;
-        return place.next < members.size() ? Quoted(members[place.next].key) : "the end";
+        auto& [object, next] = m_open.back();
+        while (next < object->members.size() && object->members[next].optional && object->members[next].key != name) {
+            ++next;
+        }
+        return next < object->members.size() ? &object->members[next] : nullptr;
     }
 
     /// The member whose value comes now; its key has been read.
@@ -187,13 +165,30 @@ private:
 
     [[noreturn]] bool Refuse(const Member& member) const
     {
-        throw PulseError(Where() + ": " + Quoted(member.key) + " is not " + TypeText(member.type));
+        throw PulseError(Where() + ": " + Quoted(member.key) + " is not " + kTypeTexts[static_cast<int>(member.type)]);
     }
 
     std::vector<Place> m_open;
     ordered_json m_client = ordered_json::object();
     std::string m_report;
 };
+
+/// Accepts only the one text that encodes the bytes: no breaks or blanks, and the bits that padding leaves over are 0.
+std::optional<std::vector<std::uint8_t>> DecodeBase64(const std::string& text)
+{
+    std::vector<std::uint8_t> bytes(text.size() / 4 * 3);
+    const auto* const characters = reinterpret_cast<const unsigned char*>(text.data());
+    if (::EVP_DecodeBlock(bytes.data(), characters, static_cast<int>(text.size())) != static_cast<int>(bytes.size())) {
+        return std::nullopt;
+    }
+    const std::size_t padding = text.ends_with("==") ? 2 : text.ends_with('=') ? 1 : 0;
+    bytes.resize(bytes.size() - padding);
+    // The decoder is lenient; what it lets pass is not what encoding the bytes again gives.
+    std::string again(text.size() + 1, '\0');
+    ::EVP_EncodeBlock(reinterpret_cast<unsigned char*>(again.data()), bytes.data(), static_cast<int>(bytes.size()));
+    again.pop_back();
+    return again == text ? std::optional(bytes) : std::nullopt;
+}
 
 } // namespace
 

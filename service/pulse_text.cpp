@@ -3,7 +3,6 @@
 #include "health/content_version.h"
 #include "service/printable_text.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <ctime>
 #include <iomanip>
@@ -29,70 +28,43 @@ std::string TimeText(Clock::time_point time, const char* format)
     return text;
 }
 
-std::string ModeMeaning(std::uint64_t mode)
+std::string ModeText(std::uint64_t mode)
 {
     constexpr const char* kModes[] = {"no known mode", "predatupdate", "postdatupdate", "periodic"};
     return kModes[mode < std::size(kModes) ? mode : 0];
 }
 
-std::string ContentMeaning(std::uint64_t number)
-{
-    return number == ContentVersion::kUnknown ? "unknown" : "";
-}
-
-std::string MemoryMeaning(std::uint64_t tens)
-{
-    return tens == 0 ? "" : "about " + std::to_string(tens * 10) + " MiB";
-}
-
-std::string CountMeaning(std::uint64_t count)
-{
-    return count == 255 ? "255 or more" : "";
-}
-
-std::string WordMeaning(std::uint64_t word)
+std::string WordText(std::uint64_t word)
 {
     char text[24];
     std::snprintf(text, sizeof text, "0x%016llx", static_cast<unsigned long long>(word));
     return text;
 }
 
-std::string ArchMeaning(std::uint64_t machine)
+std::string ArchText(std::uint64_t machine)
 {
-    switch (machine) {
-    case 0x014C:
-        return "x86";
-    case 0x8664:
-        return "AMD64";
-    case 0xAA64:
-        return "ARM64";
-    default:
-        return "";
-    }
+    return machine == 0x014C ? "x86" : machine == 0x8664 ? "AMD64" : machine == 0xAA64 ? "ARM64" : "";
 }
 
-struct FieldMeaning {
-    std::string_view key;
-    std::string (*text)(std::uint64_t); ///< empty where the number says it all
-};
-
-constexpr FieldMeaning kMeanings[] = {
-    {"mode", ModeMeaning},
-    {"dat_major", ContentMeaning},
-    {"dat_minor", ContentMeaning},
-    {"vxshield_mem_10mb", MemoryMeaning},
-    {"vxeatp_mem_10mb", MemoryMeaning},
-    {"bitfield_test_results", WordMeaning},
-    {"count", CountMeaning},
-    {"total_count", CountMeaning},
-    {"arch", ArchMeaning},
-};
-
+/// What the value of a field stands for; empty where the number says it all.
 std::string Meaning(std::string_view key, std::uint64_t value)
 {
-    const auto found = std::find_if(std::begin(kMeanings), std::end(kMeanings),
-                                    [key](const FieldMeaning& meaning) { return meaning.key == key; });
-    return found == std::end(kMeanings) ? std::string() : found->text(value);
+    if (key == "mode") {
+        return ModeText(value);
+    }
+    if (key == "dat_major" || key == "dat_minor") {
+        return value == ContentVersion::kUnknown ? "unknown" : "";
+    }
+    if (key.ends_with("_mem_10mb")) {
+        return value == 0 ? "" : "about " + std::to_string(value * 10) + " MiB";
+    }
+    if (key == "bitfield_test_results") {
+        return WordText(value);
+    }
+    if (key == "count" || key == "total_count") {
+        return value == 255 ? "255 or more" : "";
+    }
+    return key == "arch" ? ArchText(value) : "";
 }
 
 std::ostream& WriteName(std::ostream& stream, std::string_view name)
@@ -130,7 +102,7 @@ void WriteResults(std::ostream& stream, TestResultBits bits)
         bits.Set(name.bit, false);
     }
     if (bits.Word() != 0) {
-        stream << "    bits without a name: " << WordMeaning(bits.Word()) << '\n';
+        stream << "    bits without a name: " << WordText(bits.Word()) << '\n';
     }
 }
 
@@ -140,7 +112,7 @@ std::string PulseBlock(const Pulse& pulse, Clock::time_point received)
 {
     std::ostringstream stream;
     stream << "pulse received " << TimeText(received, "%Y-%m-%d %H:%M:%S") << " UTC, "
-           << ModeMeaning(pulse.report.record.mode) << '\n';
+           << ModeText(pulse.report.record.mode) << '\n';
     WriteClient(stream, pulse.client);
     WriteRecord(stream, pulse.report.record);
     WriteResults(stream, pulse.report.record.bitfield_test_results);

@@ -1,20 +1,110 @@
 #include "service/reputation_service.h"
 
-#include "service/http_exchange.h"
-#include "service/loopback_server.h"
+#include "service/answer.h"
 #include "service/printable_text.h"
-#include "service/tls_stream.h"
+
+#include <httplib.h>
 
 #include <cerrno>
-#include <csignal>
-#include <deque>
-#include <mutex>
+#include <filesystem>
 #include <system_error>
 
 namespace vantor::service {
 namespace {
 
-constexpr std::size_t kShownLineBytes = 60;
+using namespace std::chrono_literals;
+
+constexpr char kAddress[] = "127.0.0.1";
+constexpr char kPulseTarget[] = "/1";
+constexpr std::size_t kBodyLimitBytes = 65'536;
+constexpr auto kSilenceLimit = 5s;
+constexpr std::time_t kIdleLimitSeconds = 10;
+constexpr std::size_t kMostRequestsPerConnection = 100;
+
+/// Whether the connection that this thread serves has brought a request.
+thread_local bool requestSeen = false;
+
+/// What OpenSSL says went wrong first; the errors behind it only repeat that it did.
+std::string FirstSslError(const char* otherwise)
+{
+    const unsigned long error = ::ERR_peek_error();
+    if (ERR_SYSTEM_ERROR(error)) {
+        return std::generic_category().message(ERR_GET_REASON(error));
+    }
+    const char* reason = ::ERR_reason_error_string(error);
+    return reason == nullptr ? otherwise : reason;
+}
+
+/// Shuts down every socket of this process that has this port on its own side, whatever is done with it now.
+void ShutDownConnections(std::uint16_t port)
+{
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+        const int descriptor = std::stoi(entry.path().filename());
+        sockaddr_in address{};
+        socklen_t size = sizeof address;
+        if (::getsockname(descriptor, reinterpret_cast<sockaddr*>(&address), &size) == 0 &&
+            address.sin_family == AF_INET && address.sin_port == htons(port)) {
+            ::shutdown(descriptor, SHUT_RDWR);
+        }
+    }
+}
+
+/// Threads that have every connection served by one function.
+class Workers final : public httplib::ThreadPool {
+public:
+    using Serve = std::function<void(const std::function<void()>& connection)>;
+
+    explicit Workers(Serve serve) : ThreadPool(ReputationService::kMostConnections), m_serve(std::move(serve)) {}
+
+    void enqueue(std::function<void()> connection) override
+    {
+        ThreadPool::enqueue([this, connection = std::move(connection)] { m_serve(connection); });
+    }
+
+private:
+    const Serve m_serve;
+};
+
+bool IsPacked(const httplib::Request& request)
+{
+    return request.has_header("Content-Encoding") || request.is_multipart_form_data();
+}
+
+bool HasLength(const httplib::Request& request)
+{
+    return request.has_header("Content-Length") || request.has_header("Transfer-Encoding");
+}
+
+/// The status and the reason for a request that is no POST of a pulse, or that cpp-httplib has given an error status.
+std::pair<int, std::string> RefusalOf(const httplib::Request& request, int status)
+{
+    if (status == 413) {
+        return {413, "the body is larger than " + std::to_string(kBodyLimitBytes) + " bytes"};
+    }
+    if (status >= 400 && status != 404) {
+        return {status, "this is no complete HTTP request"};
+    }
+    if (request.target != kPulseTarget) {
+        return {404, "there is nothing at this path"};
+    }
+    if (request.method != "POST") {
+        return {405, "pulses are posted"};
+    }
+    return HasLength(request) ? std::pair(415, "the body is compressed or multipart")
+                              : std::pair(411, "the body has no length");
+}
+
+ReceivedRequest Received(const httplib::Request& request)
+{
+    ReceivedRequest received{request.method, request.target, {}, {}, {}};
+    for (const auto& [name, value] : request.headers) {
+        // The first four are cpp-httplib's own.
+        if (name != "REMOTE_ADDR" && name != "REMOTE_PORT" && name != "LOCAL_ADDR" && name != "LOCAL_PORT") {
+            received.headers.emplace_back(name, value);
+        }
+    }
+    return received;
+}
 
 template <typename Item>
 void Keep(std::deque<Item>& items, Item item)
@@ -27,182 +117,225 @@ void Keep(std::deque<Item>& items, Item item)
 
 std::string RefusalLine(const ReceivedRequest& request)
 {
+    constexpr std::size_t kShownBytes = 60;
     const std::string line = request.method + (request.method.empty() ? "" : " ") + request.target;
-    return "refused " + PrintableText(line, kShownLineBytes) + (line.empty() ? "" : ": ") + request.refusal;
+    return "refused " + PrintableText(line, kShownBytes) + (line.empty() ? "" : ": ") + request.refusal;
 }
 
 } // namespace
 
-class ReputationService::Impl final : private RequestJudge {
-public:
-    explicit Impl(ServiceConfig config) : m_config(std::move(config)), m_server([this](int socket) { Talk(socket); }) {}
+ReputationService::ReputationService(ServiceConfig config) : m_config(std::move(config)) {}
 
-    void Start()
-    {
-        // A peer that has gone is an error of one write, not the end of the process.
-        std::signal(SIGPIPE, SIG_IGN);
-        try {
-            m_context = MakeServerContext(m_config.certificateFile, m_config.keyFile);
-            m_server.Start(m_config.port);
-        } catch (const std::system_error& error) {
-            throw ServiceError(error.code().value() == EADDRINUSE
-                                   ? "port " + std::to_string(m_config.port) + " is in use by another program"
-                                   : "cannot listen on port " + std::to_string(m_config.port) + ": " + error.what());
-        } catch (const std::runtime_error& error) {
-            throw ServiceError(error.what());
-        }
-    }
-
-    void SetCallbacks(PulseCallback onPulse, RefusalCallback onRefusal)
-    {
-        const std::lock_guard lock(m_callbackMutex);
-        m_onPulse = std::move(onPulse);
-        m_onRefusal = std::move(onRefusal);
-    }
-
-    void SetBehaviour(const Behaviour& behaviour)
-    {
-        const std::lock_guard lock(m_mutex);
-        m_behaviour = behaviour;
-    }
-
-    std::vector<ReceivedPulse> Pulses() const
-    {
-        const std::lock_guard lock(m_mutex);
-        return {m_pulses.begin(), m_pulses.end()};
-    }
-
-    std::vector<ReceivedRequest> Requests() const
-    {
-        const std::lock_guard lock(m_mutex);
-        return {m_requests.begin(), m_requests.end()};
-    }
-
-    void Forget()
-    {
-        const std::lock_guard lock(m_mutex);
-        m_pulses.clear();
-        m_requests.clear();
-    }
-
-    LoopbackServer& Server() { return m_server; }
-
-private:
-    void Talk(int socket)
-    {
-        TlsStream stream(socket, m_context.get());
-        const std::string failure = stream.Handshake();
-        if (!failure.empty()) {
-            ReportRefusal("a connection ended in the TLS handshake: " + failure);
-            return;
-        }
-        HttpExchange(stream, *this).Run();
-        stream.Close();
-    }
-
-    void OnRequest(const ReceivedRequest& request) override
-    {
-        {
-            const std::lock_guard lock(m_mutex);
-            Keep(m_requests, request);
-        }
-        if (!request.refusal.empty()) {
-            ReportRefusal(RefusalLine(request));
-        }
-    }
-
-    std::string JudgePulse(const std::string& body) override
-    {
-        ReceivedPulse pulse{std::chrono::system_clock::now(), {}};
-        try {
-            pulse.pulse = DecodePulse(body);
-        } catch (const PulseError& error) {
-            return error.what();
-        }
-        {
-            const std::lock_guard lock(m_mutex);
-            Keep(m_pulses, pulse);
-        }
-        const std::lock_guard lock(m_callbackMutex);
-        if (m_onPulse) {
-            m_onPulse(pulse);
-        }
-        return {};
-    }
-
-    Behaviour CurrentBehaviour() override
-    {
-        const std::lock_guard lock(m_mutex);
-        return m_behaviour;
-    }
-
-    void ReportRefusal(const std::string& line)
-    {
-        const std::lock_guard lock(m_callbackMutex);
-        if (m_onRefusal) {
-            m_onRefusal(line);
-        }
-    }
-
-    const ServiceConfig m_config;
-    SslContext m_context;
-    std::mutex m_callbackMutex; ///< guards the callbacks, and lets one run at a time
-    PulseCallback m_onPulse;
-    RefusalCallback m_onRefusal;
-    mutable std::mutex m_mutex; ///< guards what follows
-    Behaviour m_behaviour;
-    std::deque<ReceivedPulse> m_pulses;
-    std::deque<ReceivedRequest> m_requests;
-    LoopbackServer m_server; ///< last: its threads use all of the above
-};
-
-ReputationService::ReputationService(ServiceConfig config) : m_impl(std::make_unique<Impl>(std::move(config))) {}
-
-ReputationService::~ReputationService() = default;
+ReputationService::~ReputationService()
+{
+    Stop();
+}
 
 void ReputationService::SetCallbacks(PulseCallback onPulse, RefusalCallback onRefusal)
 {
-    m_impl->SetCallbacks(std::move(onPulse), std::move(onRefusal));
+    const std::lock_guard lock(m_callbackMutex);
+    m_onPulse = std::move(onPulse);
+    m_onRefusal = std::move(onRefusal);
 }
 
 void ReputationService::Start()
 {
-    m_impl->Start();
+    Stop();
+    SetUpServer();
+    int listener = -1;
+    m_server->set_socket_options([&](int socket) {
+        // A port whose last connections are still fading away can be taken; one that somebody listens on cannot.
+        const int on = 1;
+        ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+        listener = socket;
+    });
+    int port = m_config.port;
+    errno = 0;
+    if (port == 0) {
+        port = m_server->bind_to_any_port(kAddress);
+    } else if (!m_server->bind_to_port(kAddress, port)) {
+        port = -1;
+    }
+    if (port < 0) {
+        const std::string where = "port " + std::to_string(m_config.port);
+        throw ServiceError(errno == EADDRINUSE
+                               ? where + " is in use by another program"
+                               : "cannot listen on " + where + ": " + std::generic_category().message(errno));
+    }
+    ::listen(listener, SOMAXCONN); // cpp-httplib's own queue of five makes the sixth newcomer wait for a second
+    m_port = static_cast<std::uint16_t>(port);
+    const auto running = std::make_shared<std::promise<void>>();
+    m_server->new_task_queue = [this, running] {
+        auto* const workers = new Workers([this](const auto& connection) { Serve(connection); });
+        running->set_value();
+        return workers; // cpp-httplib's from here on
+    };
+    m_serving = std::async(std::launch::async, [this] { m_server->listen_after_bind(); });
+    running->get_future().wait(); // until then the server could not be stopped
+}
+
+void ReputationService::SetUpServer()
+{
+    ::ERR_clear_error();
+    m_server = std::make_unique<httplib::SSLServer>(m_config.certificateFile.c_str(), m_config.keyFile.c_str());
+    if (!m_server->is_valid()) {
+        throw ServiceError("cannot use the certificate \"" + m_config.certificateFile + "\" with the key \"" +
+                           m_config.keyFile + "\": " + FirstSslError("unknown reason"));
+    }
+    ::SSL_CTX_set_min_proto_version(m_server->ssl_context(), TLS1_2_VERSION);
+    m_server->set_tcp_nodelay(true);
+    m_server->set_read_timeout(kSilenceLimit);
+    m_server->set_keep_alive_timeout(kIdleLimitSeconds);
+    m_server->set_keep_alive_max_count(kMostRequestsPerConnection);
+    m_server->set_payload_max_length(kBodyLimitBytes);
+    m_server->Post(kPulseTarget, [this](const httplib::Request& request, httplib::Response& response,
+                                        const httplib::ContentReader& read) { Answer(request, response, read); });
+    // A body that cpp-httplib would wait for in vain, or unpack, is not read.
+    m_server->set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
+        if (HasLength(request) && !(request.target == kPulseTarget && IsPacked(request))) {
+            return httplib::Server::HandlerResponse::Unhandled;
+        }
+        Refuse(request, response);
+        return httplib::Server::HandlerResponse::Handled;
+    });
+    // Called for every error status; an answer from here has a type, one of cpp-httplib's own has none.
+    m_server->set_error_handler(httplib::Server::Handler([this](const auto& request, auto& response) {
+        if (!response.has_header("Content-Type")) {
+            Refuse(request, response);
+        }
+    }));
 }
 
 void ReputationService::Stop()
 {
-    m_impl->Server().Stop();
+    if (!m_serving.valid()) {
+        return;
+    }
+    m_server->stop();
+    // Every connection ends once it is shut down; the latest may be accepted only after the first round.
+    while (m_serving.wait_for(20ms) != std::future_status::ready) {
+        ShutDownConnections(m_port);
+    }
+    m_serving.get();
 }
 
-std::uint16_t ReputationService::Port() const
+void ReputationService::Serve(const std::function<void()>& connection)
 {
-    return m_impl->Server().Port();
+    ++m_connectionCount;
+    requestSeen = false;
+    ::ERR_clear_error();
+    connection();
+    if (!requestSeen) {
+        ReportRefusal("a connection brought no request: " + FirstSslError("the peer was silent or closed"));
+    }
 }
 
 void ReputationService::SetBehaviour(const Behaviour& behaviour)
 {
-    m_impl->SetBehaviour(behaviour);
+    const std::lock_guard lock(m_mutex);
+    m_behaviour = behaviour;
 }
 
 std::vector<ReceivedPulse> ReputationService::Pulses() const
 {
-    return m_impl->Pulses();
+    const std::lock_guard lock(m_mutex);
+    return {m_pulses.begin(), m_pulses.end()};
 }
 
 std::vector<ReceivedRequest> ReputationService::Requests() const
 {
-    return m_impl->Requests();
+    const std::lock_guard lock(m_mutex);
+    return {m_requests.begin(), m_requests.end()};
 }
 
 void ReputationService::Forget()
 {
-    m_impl->Forget();
+    const std::lock_guard lock(m_mutex);
+    m_pulses.clear();
+    m_requests.clear();
 }
 
-std::size_t ReputationService::ConnectionCount() const
+void ReputationService::Answer(const httplib::Request& request, httplib::Response& response,
+                               const httplib::ContentReader& read)
 {
-    return m_impl->Server().ConnectionCount();
+    ReceivedRequest received = Received(request);
+    const bool whole = read([&](const char* bytes, std::size_t size) {
+        received.body.append(bytes, size);
+        return received.body.size() <= kBodyLimitBytes;
+    });
+    if (received.body.size() > kBodyLimitBytes) { // in chunks; an announced length has been looked at before
+        response.status = 413;
+    }
+    if (!whole || request.target != kPulseTarget) {
+        Refuse(request, response);
+        return;
+    }
+    received.refusal = JudgePulse(received.body);
+    const bool accepted = received.refusal.empty();
+    response.status = accepted ? 200 : 400;
+    response.set_content(accepted ? R"({"accepted":true})" : received.refusal + '\n',
+                         accepted ? "application/json" : "text/plain");
+    OnRequest(std::move(received));
+    Behaviour behaviour;
+    {
+        const std::lock_guard lock(m_mutex);
+        behaviour = m_behaviour;
+    }
+    Misbehave(behaviour, ::SSL_get_fd(request.ssl), response);
+}
+
+/// Refuses what is no POST of a whole body to /1. The connection ends with it: some of the body may be unread.
+void ReputationService::Refuse(const httplib::Request& request, httplib::Response& response)
+{
+    ReceivedRequest received = Received(request);
+    std::tie(response.status, received.refusal) = RefusalOf(request, response.status);
+    response.set_content(received.refusal + '\n', "text/plain");
+    response.set_header("Connection", "close");
+    if (response.status == 405) {
+        response.set_header("Allow", "POST");
+    }
+    if (request.ssl != nullptr) {
+        ::SSL_set_shutdown(const_cast<SSL*>(request.ssl), SSL_RECEIVED_SHUTDOWN); // nothing more is read
+    }
+    OnRequest(std::move(received));
+}
+
+void ReputationService::OnRequest(ReceivedRequest request)
+{
+    requestSeen = true;
+    if (!request.refusal.empty()) {
+        ReportRefusal(RefusalLine(request));
+    }
+    const std::lock_guard lock(m_mutex);
+    Keep(m_requests, std::move(request));
+}
+
+/// The reason to refuse the pulse, empty when it is accepted.
+std::string ReputationService::JudgePulse(const std::string& body)
+{
+    ReceivedPulse pulse{std::chrono::system_clock::now(), {}};
+    try {
+        pulse.pulse = DecodePulse(body);
+    } catch (const PulseError& error) {
+        return error.what();
+    }
+    {
+        const std::lock_guard lock(m_mutex);
+        Keep(m_pulses, pulse);
+    }
+    const std::lock_guard lock(m_callbackMutex);
+    if (m_onPulse) {
+        m_onPulse(pulse);
+    }
+    return {};
+}
+
+void ReputationService::ReportRefusal(const std::string& line)
+{
+    const std::lock_guard lock(m_callbackMutex);
+    if (m_onRefusal) {
+        m_onRefusal(line);
+    }
 }
 
 } // namespace vantor::service

@@ -53,7 +53,7 @@ TEST(PulseDecoder, SaysWhatIsWrong)
         {Altered(R"("rpt")", R"("ci")"), R"(the body: "ci" stands where "rpt" belongs)"},
         {Altered("}}", R"(},"more":1})"), R"(the body: "more" stands where the end belongs)"},
         {Altered(R"("cid")", R"("affid")"), R"("ci": "affid" stands where "cid" belongs)"},
-        {Altered(R"("xpoid")", R"("\u001b[2J")"), R"("ci": "\x1B[2J" stands where "xpoid" belongs)"},
+        {Altered(R"("xpoid")", R"("\u001b[2J")"), R"("ci": "\x1B[2J" stands where "pev" belongs)"},
         {Altered(R"(,"sdkv":"VXCore REST Client")", ""), R"("ci": "sdkv" is missing)"},
         {Altered(R"("")", "null"), R"("ci": "cliid" is not a string)"},
         {Altered(R"("c-1")", std::string(100'000, '[')), R"("ci": "cid" is not a string)"},
@@ -66,6 +66,7 @@ TEST(PulseDecoder, SaysWhatIsWrong)
         {SampleBody("DgJ="), noBase64}, // bits left over
         {SampleBody("Dg=I"), noBase64},
         {SampleBody("DgI\\nCgoK"), noBase64},
+        {SampleBody("DgIK\\n"), noBase64},
         {SampleBody("DgIK"), R"("rpt": the record has 3 of 46 bytes)"},
     };
     for (const auto& [body, reason] : kCases) {
@@ -81,7 +82,7 @@ TEST(PulseText, ShowsFieldsWithTheirMeaningAndNothingRaw)
          {"pulse received 1970-01-01 00:00:00 UTC, predatupdate\n", "    cid                     c-1\n",
           "    dat_minor               65535 (unknown)\n",
           "  results that hold\n    msedge\n    vxshield\n    dat_update_ok\n    ipv6\n  text items\n",
-          "    evil \\x1B[31m \\xFF caf\xC3\xA9\n"}) {
+          "    evil \\x1B[31m \\xFF caf\\xC3\\xA9\n"}) {
         EXPECT_NE(block.find(line), std::string::npos) << line << "is missing in\n" << block;
     }
     const auto json = nlohmann::json::parse(PulseJson(pulse, {}));

@@ -1,10 +1,8 @@
 #include "service/reputation_service.h"
 
 #include "sample_pulse.h"
-#include "service/descriptor.h"
-#include "service/loopback_server.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <httplib.h>
 
 #include <future>
@@ -14,56 +12,46 @@ namespace {
 
 using namespace std::chrono_literals;
 
-bool HasIpv6()
-{
-    const Descriptor socket(::socket(AF_INET6, SOCK_STREAM | SOCK_CLOEXEC, 0));
-    sockaddr_in6 address{};
-    address.sin6_family = AF_INET6;
-    address.sin6_addr = in6addr_loopback;
-    return ::bind(socket.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
-}
-
 class ReputationServiceTest : public testing::Test {
 protected:
     ReputationServiceTest() { m_service.Start(); }
 
-    struct Answer {
-        int status = 0; ///< 0: none, or a broken one
-        std::string body;
-        httplib::Headers headers;
-    };
+    ~ReputationServiceTest() override
+    {
+        for (const int stranger : m_strangers) {
+            ::close(stranger);
+        }
+    }
 
-    Answer Send(const std::string& method, const std::string& path, const std::string& body,
-                const char* address = "127.0.0.1") const
+    httplib::Response Send(const std::string& method, const std::string& path, const std::string& body,
+                           const httplib::Headers& headers = {}) const
     {
         httplib::SSLClient client("localhost", m_service.Port());
-        client.set_hostname_addr_map({{"localhost", address}});
         client.set_ca_cert_path(VANTOR_PKI_DIRECTORY "/issuers.pem");
         client.set_read_timeout(m_patience);
-        Answer answer;
+        std::string received;
         httplib::Request request;
         request.method = method;
         request.path = path;
         request.body = body;
-        request.headers = {{"Content-Type", "multipart/form-data; boundary=b"}, {"Content-Encoding", "gzip"}};
+        request.headers = headers;
         request.content_receiver = [&](const char* bytes, std::size_t size, std::uint64_t, std::uint64_t) {
-            answer.body.append(bytes, size);
+            received.append(bytes, size);
             return true;
         };
-        if (const auto result = client.send(request)) {
-            answer.status = result->status;
-            answer.headers = result->headers;
-        }
-        return answer;
+        const auto result = client.send(request);
+        httplib::Response response = result ? *result : httplib::Response(); // without one, or with half: status -1
+        response.body = received;
+        return response;
     }
 
-    Descriptor Connect(std::string_view bytes) const
+    /// Connects, sends these bytes and then nothing more.
+    void AddStranger(std::string_view bytes)
     {
-        Descriptor socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+        const int stranger = m_strangers.emplace_back(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
         const sockaddr_in address{AF_INET, htons(m_service.Port()), {htonl(INADDR_LOOPBACK)}, {}};
-        EXPECT_EQ(::connect(socket.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-        EXPECT_EQ(::send(socket.Get(), bytes.data(), bytes.size(), MSG_NOSIGNAL), static_cast<ssize_t>(bytes.size()));
-        return socket;
+        ASSERT_EQ(::connect(stranger, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+        ASSERT_EQ(::send(stranger, bytes.data(), bytes.size(), MSG_NOSIGNAL), static_cast<ssize_t>(bytes.size()));
     }
 
     template <typename Action>
@@ -75,6 +63,7 @@ protected:
     }
 
     std::chrono::milliseconds m_patience = 20s;
+    std::vector<int> m_strangers;
     ReputationService m_service{{VANTOR_PKI_DIRECTORY "/server-a.pem", VANTOR_PKI_DIRECTORY "/server-a.key", 0}};
 };
 
@@ -86,22 +75,28 @@ TEST_F(ReputationServiceTest, JudgesAndRecordsRequests)
         std::string body;
         int status;
         std::string refusal;
+        httplib::Headers headers = {{"a", "2"}, {"A", "1"}};
     } kCases[] = {
         {"POST", "/1", SampleBody(), 200, ""},
         {"POST", "/1", std::string("{\0}", 3), 400, "not valid JSON at byte 2"},
         {"POST", "/2", SampleBody(), 404, "there is nothing at this path"},
+        {"POST", "/1?", SampleBody(), 404, "there is nothing at this path"},
         {"GET", "/1", "", 405, "pulses are posted"},
+        {"PUT", "/1", SampleBody(), 405, "pulses are posted"},
         {"POST", "/1", std::string(65'537, 'x'), 413, "the body is larger than 65536 bytes"},
+        {"POST", "/1", "", 415, "the body is compressed or multipart", {{"Content-Encoding", "gzip"}}},
+        {"POST", "/1", "", 415, "the body is compressed or multipart", {{"Content-Type", "multipart/form-data"}}},
     };
-    for (const auto& [method, path, body, status, refusal] : kCases) {
-        const Answer answer = Send(method, path, body);
-        EXPECT_EQ(answer.status, status);
+    for (const auto& [method, path, body, status, refusal, headers] : kCases) {
+        const httplib::Response answer = Send(method, path, body, headers);
+        EXPECT_EQ(answer.status, status) << method << path;
         EXPECT_EQ(answer.body, refusal.empty() ? R"({"accepted":true})" : refusal + '\n');
         const ReceivedRequest received = m_service.Requests().back();
         EXPECT_EQ(received.method + received.target, std::string(method) + path);
         EXPECT_EQ(received.body, status <= 400 ? body : "");
         EXPECT_EQ(received.refusal, refusal);
-        EXPECT_NE(received.head.find("\r\nContent-Encoding: gzip\r\n"), std::string::npos);
+        EXPECT_THAT(received.headers, testing::IsSupersetOf(headers));
+        EXPECT_THAT(received.headers, testing::Contains(testing::Key("Host")));
     }
     EXPECT_EQ(m_service.Requests().size(), std::size(kCases));
     EXPECT_EQ(m_service.ConnectionCount(), std::size(kCases));
@@ -120,20 +115,20 @@ TEST_F(ReputationServiceTest, MisbehavesAsTold)
         {{.status = 500}, 500, 17},
         {{.status = 204}, 204, 0},
         {{.status = 302, .headers = {{"Location", "/elsewhere"}}}, 302, 17},
-        {{.delay = 20s}, 0, 0, 1500ms},
+        {{.delay = 20s}, -1, 0, 1500ms},
         {{.bodyBytes = kMiB}, 200, kMiB},
         {{.bodyBytes = kMiB, .chunked = true}, 200, kMiB},
         {{.stallAfter = 5, .stallFor = 300ms}, 200, 17},
-        {{.stallAfter = 5}, 0, 5, 1500ms},
-        {{.chunked = true, .stallAfter = 5}, 0, 5, 1500ms},
-        {{.cut = CutPoint::beforeAnswer}, 0, 0},
-        {{.bodyBytes = kMiB, .cut = CutPoint::inBody}, 0, kMiB / 2},
-        {{.bodyBytes = kMiB, .chunked = true, .cut = CutPoint::inBody}, 0, kMiB / 2},
+        {{.stallAfter = 5}, -1, 5, 1500ms},
+        {{.chunked = true, .stallAfter = 5}, -1, 5, 1500ms},
+        {{.cut = CutPoint::beforeAnswer}, -1, 0},
+        {{.bodyBytes = kMiB, .cut = CutPoint::inBody}, -1, kMiB / 2},
+        {{.bodyBytes = kMiB, .chunked = true, .cut = CutPoint::inBody}, -1, kMiB / 2},
     };
     for (std::size_t index = 0; index < std::size(kCases); ++index) {
         m_service.SetBehaviour(kCases[index].behaviour);
         m_patience = kCases[index].patience;
-        const Answer answer = Send("POST", "/1", SampleBody());
+        const httplib::Response answer = Send("POST", "/1", SampleBody());
         EXPECT_EQ(answer.status, kCases[index].status) << index;
         EXPECT_EQ(answer.body.size(), kCases[index].bodyBytes) << index;
         EXPECT_EQ(answer.headers.count("Location"), kCases[index].behaviour.headers.size()) << index;
@@ -141,24 +136,25 @@ TEST_F(ReputationServiceTest, MisbehavesAsTold)
     }
 }
 
-TEST_F(ReputationServiceTest, KeepsServingBesideGarbageAndStopsAtOnce)
+TEST_F(ReputationServiceTest, KeepsServingBesideStrangersAndStopsAtOnce)
 {
-    std::vector<Descriptor> strangers;
-    strangers.push_back(Connect(std::string(5000, '\x9C')));
-    strangers.push_back(Connect("POST /1 HTTP/1.1\r\nContent-Length: 5\r\n\r\n12345"));
-    for (std::size_t count = 0; count < 2 * LoopbackServer::kMostConnections; ++count) {
-        strangers.push_back(
-            Connect(std::string_view("\x16\x03\x01\x02\x00\x01\x00\x01\xFC\x03\x03", 11))); // half a hello
+    AddStranger(std::string(5000, '\x9C'));
+    AddStranger("POST /1 HTTP/1.1\r\nContent-Length: 5\r\n\r\n12345");
+    const std::string_view halfHello("\x16\x03\x01\x02\x00\x01\x00\x01\xFC\x03\x03", 11);
+    while (m_strangers.size() < 100) {
+        AddStranger(m_strangers.size() % 2 == 0 ? halfHello : "");
     }
-    ExpectPrompt([&] { EXPECT_EQ(Send("POST", "/1", SampleBody(), "127.0.0.1").status, 200); });
-    EXPECT_EQ(Send("POST", "/1", SampleBody(), HasIpv6() ? "::1" : "127.0.0.1").status, 200);
+    ExpectPrompt([&] { EXPECT_EQ(Send("POST", "/1", SampleBody()).status, 200); });
 
     m_service.SetBehaviour({.stallAfter = 0});
     auto stalled = std::async(std::launch::async, [this] { return Send("POST", "/1", SampleBody()).status; });
-    while (m_service.Pulses().size() < 3 && stalled.wait_for(5ms) != std::future_status::ready) {
+    while (m_service.Pulses().size() < 2 && stalled.wait_for(5ms) != std::future_status::ready) {
     }
     ExpectPrompt([&] { m_service.Stop(); });
-    EXPECT_EQ(stalled.get(), 0);
+    EXPECT_EQ(stalled.get(), -1);
+    m_service.SetBehaviour({});
+    m_service.Start();
+    EXPECT_EQ(Send("POST", "/1", SampleBody()).status, 200);
 }
 
 TEST_F(ReputationServiceTest, SaysWhyItCannotStart)
@@ -166,7 +162,8 @@ TEST_F(ReputationServiceTest, SaysWhyItCannotStart)
     const std::string pki = VANTOR_PKI_DIRECTORY;
     const std::pair<ServiceConfig, std::string> kCases[] = {
         {{pki + "/server-a.pem", pki + "/server-a.key", m_service.Port()}, "is in use by another program"},
-        {{pki + "/nowhere.pem", pki + "/server-a.key", 0}, "/nowhere.pem\": No such file"},
+        {{pki + "/nowhere.pem", pki + "/server-a.key", 0},
+         "/nowhere.pem\" with the key \"" + pki + "/server-a.key\": No such file"},
         {{pki + "/server-a.pem", pki + "/server-b.key", 0}, "/server-b.key\": key values mismatch"},
     };
     for (const auto& [config, reason] : kCases) {

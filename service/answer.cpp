@@ -1,0 +1,89 @@
+#include "service/answer.h"
+
+#include <poll.h>
+
+#include <algorithm>
+
+namespace vantor::service {
+namespace {
+
+constexpr std::size_t kPieceBytes = 16'384;
+
+/// Waits, but not on when the connection is closed.
+void Pause(int socket, std::chrono::milliseconds duration)
+{
+    pollfd wait{socket, POLLRDHUP, 0};
+    ::poll(&wait, 1, static_cast<int>(duration.count()));
+}
+
+/// Cuts the connection, without TLS's own farewell. What follows fails.
+void Cut(int socket)
+{
+    ::shutdown(socket, SHUT_RDWR);
+}
+
+bool Write(std::string_view content, httplib::DataSink& sink)
+{
+    bool written = true;
+    for (; written && !content.empty(); content.remove_prefix(std::min(kPieceBytes, content.size()))) {
+        written = sink.write(content.data(), std::min(kPieceBytes, content.size()));
+    }
+    return written;
+}
+
+/// Writes the whole body, with the pause or up to the cut that is asked for. False ends the connection.
+bool WriteUnevenly(const Behaviour& behaviour, int socket, std::string_view content, httplib::DataSink& sink)
+{
+    if (behaviour.cut == CutPoint::inBody) {
+        Write(content.substr(0, content.size() / 2), sink);
+        Cut(socket);
+        return false;
+    }
+    const std::size_t stall = std::min(behaviour.stallAfter.value_or(content.size()), content.size());
+    if (!Write(content.substr(0, stall), sink)) {
+        return false;
+    }
+    if (behaviour.stallAfter) {
+        Pause(socket, behaviour.stallFor);
+    }
+    return Write(content.substr(stall), sink);
+}
+
+} // namespace
+
+void Misbehave(const Behaviour& behaviour, int socket, httplib::Response& response)
+{
+    Pause(socket, behaviour.delay);
+    if (behaviour.cut == CutPoint::beforeAnswer) {
+        Cut(socket);
+        return;
+    }
+    response.status = behaviour.status.value_or(response.status);
+    for (const auto& [name, value] : behaviour.headers) {
+        response.set_header(name, value);
+    }
+    if (behaviour.bodyBytes) {
+        response.body.assign(*behaviour.bodyBytes, 'x');
+    } else if (response.status == 204 || response.status == 304) { // these have none
+        response.body.clear();
+    }
+    const bool uneven = behaviour.stallAfter || behaviour.cut == CutPoint::inBody;
+    if (!behaviour.chunked && (!uneven || response.body.empty())) {
+        return;
+    }
+    const std::string content = std::exchange(response.body, {});
+    const std::string type = response.get_header_value("Content-Type");
+    if (behaviour.chunked) {
+        response.set_chunked_content_provider(type, [=](std::size_t, httplib::DataSink& sink) {
+            const bool whole = WriteUnevenly(behaviour, socket, content, sink);
+            sink.done();
+            return whole;
+        });
+    } else {
+        response.set_content_provider(content.size(), type, [=](std::size_t, std::size_t, httplib::DataSink& sink) {
+            return WriteUnevenly(behaviour, socket, content, sink);
+        });
+    }
+}
+
+} // namespace vantor::service
