@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -26,19 +25,14 @@ public:
     std::vector<std::string> Lines() const
     {
         std::ifstream file(m_file.path, std::ios::binary);
-        const std::string text(std::istreambuf_iterator<char>(file), {});
         std::vector<std::string> lines;
-        for (std::size_t begin = 0, end; (end = text.find("\r\n", begin)) != std::string::npos; begin = end + 2) {
-            lines.push_back(text.substr(begin + kStampLength, end - begin - kStampLength));
+        for (std::string line; std::getline(file, line);) {
+            lines.push_back(line.substr(kStampLength, line.size() - kStampLength - 1));
         }
         return lines;
     }
 
-    bool Has(const std::string& line) const
-    {
-        const auto lines = Lines();
-        return std::find(lines.begin(), lines.end(), line) != lines.end();
-    }
+    bool Has(const std::string& line) const { return std::ranges::count(Lines(), line) != 0; }
 
 private:
     static constexpr std::size_t kStampLength = 19;

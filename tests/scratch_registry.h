@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -31,6 +32,13 @@ public:
     ScratchRegistry(const ScratchRegistry&) = delete;
     ScratchRegistry& operator=(const ScratchRegistry&) = delete;
 
+    /// The bytes of a wide text without a terminator.
+    static std::vector<BYTE> Bytes(const std::wstring& text)
+    {
+        const auto* const data = reinterpret_cast<const BYTE*>(text.data());
+        return {data, data + text.size() * sizeof(wchar_t)};
+    }
+
     void Create(const wchar_t* path) { ::RegCloseKey(Open(path)); }
 
     void Set(const wchar_t* path, const wchar_t* value, DWORD type, const std::vector<BYTE>& data)
@@ -41,8 +49,7 @@ public:
     }
     void Set(const wchar_t* path, const wchar_t* value, const std::wstring& text)
     {
-        const auto* const bytes = reinterpret_cast<const BYTE*>(text.c_str());
-        Set(path, value, REG_SZ, {bytes, bytes + (text.size() + 1) * sizeof(wchar_t)});
+        Set(path, value, REG_SZ, Bytes(text + L'\0'));
     }
     void Set(const wchar_t* path, const wchar_t* value, DWORD number)
     {
@@ -50,7 +57,38 @@ public:
         Set(path, value, REG_DWORD, {bytes, bytes + sizeof(number)});
     }
 
+    /// Every value, as "key\\value" with "type:data"; numbers in decimal, other data as it is.
+    std::map<std::string, std::string> Snapshot() const
+    {
+        std::map<std::string, std::string> values;
+        AddValues(m_key, "", values);
+        return values;
+    }
+
 private:
+    static void AddValues(HKEY key, const std::string& path, std::map<std::string, std::string>& values)
+    {
+        char name[256];
+        std::vector<BYTE> data(64 * 1024);
+        DWORD type = 0;
+        DWORD length = sizeof(name);
+        DWORD size = static_cast<DWORD>(data.size());
+        for (DWORD index = 0; ::RegEnumValueA(key, index, name, &length, nullptr, &type, data.data(), &size) == 0;
+             ++index, length = sizeof(name), size = static_cast<DWORD>(data.size())) {
+            const std::string text = type == REG_DWORD ? std::to_string(*reinterpret_cast<DWORD*>(data.data()))
+                                                       : std::string(data.begin(), data.begin() + size);
+            values[path + name] = std::to_string(type) + ":" + text;
+        }
+        length = sizeof(name);
+        for (DWORD index = 0; ::RegEnumKeyExA(key, index, name, &length, nullptr, nullptr, nullptr, nullptr) == 0;
+             ++index, length = sizeof(name)) {
+            HKEY child = nullptr;
+            ::RegOpenKeyExA(key, name, 0, KEY_READ, &child);
+            AddValues(child, path + name + "\\", values);
+            ::RegCloseKey(child);
+        }
+    }
+
     static constexpr const wchar_t* kPath = L"Software\\VANTorTests";
 
     HKEY Open(const wchar_t* path)

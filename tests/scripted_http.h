@@ -1,18 +1,19 @@
-// A call layer that follows a script and records what it is asked.
+// A call layer that follows a script and records what it is asked, and the tests that share it.
 #pragma once
 
+#include "platform/text.h"
+#include "proxy/proxy_discovery.h"
+#include "recording_logger.h"
 #include "telemetry/http_interface.h"
 
 #include <wincrypt.h>
 
-#include <algorithm>
-#include <cstddef>
-#include <cstdint>
-#include <cstring>
+#include <gmock/gmock.h>
+
 #include <deque>
 #include <map>
-#include <string>
-#include <vector>
+#include <memory>
+#include <sstream>
 
 namespace vantor {
 
@@ -21,66 +22,59 @@ class ScriptedHttp : public IHTTP {
 public:
     /// Errors of an operation's next calls, front first; 0 lets that call succeed.
     std::map<std::string, std::deque<DWORD>> errors;
-    std::deque<DWORD> statuses; ///< of the answers to the sends, one each; the last one stays
-    std::wstring headerBlock = L"HTTP/1.1 200 OK\r\n\r\n";
+    DWORD status = 200;                         ///< of every reply
     std::deque<std::string> bodyPieces;         ///< of the reply, one a read
     PCCERT_CONTEXT serverCertificate = nullptr; ///< of the server; null: option 78 cannot be queried
-    DWORD offeredSchemes = 0;
 
-    /// Each call as its name with the arguments that matter.
-    std::vector<std::string> calls;
+    /// Each call as its name with the arguments that matter, and a semicolon.
+    std::string calls;
     int openHandles = 0;
-
-    std::ptrdiff_t Count(const std::string& call) const { return std::count(calls.begin(), calls.end(), call); }
 
     bool IsReady() override { return true; }
     BOOL CloseHandle(HINTERNET handle) override
     {
         openHandles -= 1;
-        return Call("CloseHandle", Number(handle));
+        return Call("CloseHandle", reinterpret_cast<std::uintptr_t>(handle));
     }
     BOOL QueryOption(HINTERNET, DWORD option, void* buffer, DWORD*) override
     {
-        const std::string name = "QueryOption " + std::to_string(option);
         if (option == WINHTTP_OPTION_SERVER_CERT_CONTEXT) {
             if (!serverCertificate) {
                 return FALSE; // as WinHTTP does it: the last error stays
             }
             *static_cast<PCCERT_CONTEXT*>(buffer) = ::CertDuplicateCertificateContext(serverCertificate);
         }
-        return Call(name);
+        return Call("QueryOption " + std::to_string(option));
     }
     HINTERNET Open(const wchar_t*, DWORD accessType, const wchar_t*, const wchar_t*, DWORD) override
     {
-        return OpenHandle("Open", std::to_string(accessType));
+        return OpenHandle(Call("Open", accessType));
     }
     BOOL SetTimeouts(HINTERNET, int resolve, int connect, int send, int receive) override
     {
-        return Call("SetTimeouts", std::to_string(resolve) + " " + std::to_string(connect) + " " +
-                                       std::to_string(send) + " " + std::to_string(receive));
+        return Call("SetTimeouts", resolve, connect, send, receive);
     }
     HINTERNET Connect(HINTERNET, const wchar_t* server, INTERNET_PORT port, DWORD) override
     {
-        return OpenHandle("Connect", Narrow(server) + " " + std::to_string(port));
+        return OpenHandle(Call("Connect", ToNarrow(server), port));
     }
     BOOL SetOption(HINTERNET, DWORD option, void* buffer, DWORD length) override
     {
-        const bool isNumber = length == sizeof(DWORD);
-        return Call("SetOption " + std::to_string(option),
-                    isNumber ? std::to_string(*static_cast<DWORD*>(buffer)) : "size " + std::to_string(length));
+        const std::string name = "SetOption " + std::to_string(option);
+        return length == sizeof(DWORD) ? Call(name, *static_cast<DWORD*>(buffer)) : Call(name, "size", length);
     }
     HINTERNET OpenRequest(HINTERNET, const wchar_t* verb, const wchar_t* object, const wchar_t*, const wchar_t*,
                           const wchar_t**, DWORD flags) override
     {
-        return OpenHandle("OpenRequest", Narrow(verb) + " " + Narrow(object) + " " + std::to_string(flags));
+        return OpenHandle(Call("OpenRequest", ToNarrow(verb), ToNarrow(object), flags));
     }
     BOOL AddRequestHeaders(HINTERNET, const wchar_t* headers, DWORD, DWORD) override
     {
-        return Call("AddRequestHeaders", Narrow(headers));
+        return Call("AddRequestHeaders", ToNarrow(headers));
     }
     BOOL SendRequest(HINTERNET, const wchar_t*, DWORD, void* data, DWORD length, DWORD, DWORD_PTR) override
     {
-        return Call("SendRequest", data ? std::string(static_cast<char*>(data), length) : "");
+        return Call("SendRequest", std::string(static_cast<char*>(data), length));
     }
     BOOL ReceiveResponse(HINTERNET, void*) override { return Call("ReceiveResponse"); }
     BOOL QueryDataAvailable(HINTERNET, DWORD* available) override
@@ -90,8 +84,7 @@ public:
     }
     BOOL ReadData(HINTERNET, void* buffer, DWORD toRead, DWORD* read) override
     {
-        std::memcpy(buffer, bodyPieces.front().data(), toRead);
-        *read = toRead;
+        *read = static_cast<DWORD>(bodyPieces.front().copy(static_cast<char*>(buffer), toRead));
         bodyPieces.pop_front();
         return Call("ReadData");
     }
@@ -100,77 +93,99 @@ public:
     {
         return nullptr;
     }
-    BOOL QueryAuthSchemes(HINTERNET, DWORD* supported, DWORD* first, DWORD* target) override
+    BOOL QueryAuthSchemes(HINTERNET, DWORD*, DWORD*, DWORD*) override { return Call("QueryAuthSchemes"); }
+    BOOL SetCredentials(HINTERNET, DWORD, DWORD, const wchar_t*, const wchar_t*, void*) override
     {
-        *supported = offeredSchemes;
-        *first = offeredSchemes & (~offeredSchemes + 1);
-        *target = WINHTTP_AUTH_TARGET_PROXY;
-        return Call("QueryAuthSchemes");
-    }
-    BOOL SetCredentials(HINTERNET, DWORD target, DWORD scheme, const wchar_t* user, const wchar_t* password,
-                        void*) override
-    {
-        return Call("SetCredentials", std::to_string(target) + " " + std::to_string(scheme) + " " + Narrow(user) + " " +
-                                          Narrow(password));
+        return Call("SetCredentials");
     }
     BOOL QueryHeaders(HINTERNET, DWORD level, const wchar_t*, void* buffer, DWORD* length, DWORD*) override
     {
+        constexpr wchar_t kBlock[] = L"HTTP/1.1 200 OK\r\n\r\n";
         if (level == (WINHTTP_QUERY_STATUS_CODE | WINHTTP_QUERY_FLAG_NUMBER)) {
-            *static_cast<DWORD*>(buffer) = statuses.empty() ? 200 : statuses.front();
+            *static_cast<DWORD*>(buffer) = status;
             return Call("QueryHeaders status");
         }
-        const auto size = static_cast<DWORD>(headerBlock.size() * sizeof(wchar_t));
+        *length = static_cast<DWORD>(sizeof(kBlock));
         if (!buffer) {
-            *length = size + sizeof(wchar_t);
-            Call("QueryHeaders size");
             ::SetLastError(ERROR_INSUFFICIENT_BUFFER);
             return FALSE;
         }
-        std::memcpy(buffer, headerBlock.c_str(), size + sizeof(wchar_t));
-        *length = size;
+        std::copy(std::begin(kBlock), std::end(kBlock), static_cast<wchar_t*>(buffer));
+        *length = static_cast<DWORD>(sizeof(kBlock) - sizeof(wchar_t));
         return Call("QueryHeaders block");
     }
 
 private:
-    static std::string Number(HINTERNET handle) { return std::to_string(reinterpret_cast<std::uintptr_t>(handle)); }
-    static std::string Narrow(const wchar_t* text)
+    template <typename... Arguments>
+    BOOL Call(const std::string& name, const Arguments&... arguments)
     {
-        std::string narrow;
-        for (; text && *text; ++text) {
-            narrow += static_cast<char>(*text);
-        }
-        return narrow;
-    }
-
-    BOOL Call(const std::string& name, const std::string& arguments = {})
-    {
-        calls.push_back(arguments.empty() ? name : name + " " + arguments);
+        std::ostringstream call;
+        call << name;
+        ((call << ' ' << arguments), ...);
+        calls += call.str() + ";";
         auto& script = errors[name];
-        DWORD error = ERROR_SUCCESS;
-        if (!script.empty()) {
-            error = script.front();
-            script.pop_front();
+        if (script.empty()) {
+            return TRUE;
         }
-        if (name == "SendRequest" && m_sent++ > 0 && statuses.size() > 1) {
-            statuses.pop_front(); // the next attempt's answer
-        }
-        if (error != ERROR_SUCCESS) {
-            ::SetLastError(error);
-        }
+        const DWORD error = script.front();
+        script.pop_front();
+        ::SetLastError(error);
         return error == ERROR_SUCCESS;
     }
 
-    HINTERNET OpenHandle(const std::string& name, const std::string& arguments)
+    HINTERNET OpenHandle(BOOL succeeds)
     {
-        if (!Call(name, arguments)) {
-            return nullptr;
-        }
-        openHandles += 1;
-        return reinterpret_cast<HINTERNET>(static_cast<std::uintptr_t>(++m_lastHandle));
+        openHandles += succeeds;
+        return succeeds ? reinterpret_cast<HINTERNET>(++m_lastHandle) : nullptr;
     }
 
-    int m_lastHandle = 0;
-    int m_sent = 0;
+    std::uintptr_t m_lastHandle = 0;
+};
+
+/// Finds the proxy "p", allocated as WinHTTP does it, or fails.
+class ScriptedDiscovery : public IProxyDiscovery {
+public:
+    BOOL GetProxyForUrl(HINTERNET, const wchar_t* url, WINHTTP_AUTOPROXY_OPTIONS& options,
+                        WINHTTP_PROXY_INFO& info) override
+    {
+        asked.push_back(url);
+        lastOptions = options;
+        if (error != ERROR_SUCCESS) {
+            ::SetLastError(error);
+            return FALSE;
+        }
+        info.dwAccessType = WINHTTP_ACCESS_TYPE_NAMED_PROXY;
+        info.lpszProxy = static_cast<LPWSTR>(::GlobalAlloc(GPTR, 2 * sizeof(wchar_t)));
+        info.lpszProxy[0] = L'p';
+        return TRUE;
+    }
+
+    std::vector<std::wstring> asked;
+    WINHTTP_AUTOPROXY_OPTIONS lastOptions{};
+    DWORD error = ERROR_SUCCESS;
+};
+
+/// The world of a test: a network that does what the test says, and the log.
+class HttpTest : public ::testing::Test {
+protected:
+    using Lines = std::vector<std::string>;
+
+    bool Logged(std::string_view line) const { return m_log->Has(line); }
+
+    /// How often exactly this call was made.
+    int Calls(const std::string& call) const
+    {
+        std::istringstream made(m_http->calls);
+        int count = 0;
+        for (std::string one; std::getline(made, one, ';');) {
+            count += one == call;
+        }
+        return count;
+    }
+
+    std::shared_ptr<ScriptedHttp> m_http = std::make_shared<ScriptedHttp>();
+    std::shared_ptr<ScriptedDiscovery> m_discovery = std::make_shared<ScriptedDiscovery>();
+    std::shared_ptr<RecordingLogger> m_log = std::make_shared<RecordingLogger>();
 };
 
 } // namespace vantor

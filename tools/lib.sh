@@ -67,6 +67,7 @@ package_sets=(
     "build the tests|googletest"
     "run the Windows program, TLS included|wine wine64 libgnutls30"
     "make the local certificates|openssl"
+    "sign the stand-in module|osslsigncode"
     "give a run a network of its own|iproute2"
     "know the name localhost on a minimal system|netbase"
 )

@@ -68,7 +68,7 @@ HealthRecord CollectRecord(const RunConfig& config)
     SetContentVersion(record, config);
     SetMode(record, config);
     SetProxyBits(bits, config);
-    GetProcessInfo(record, ListProcesses());
+    GetProcessInfo(record, MapProcesses());
     bits.Set(ResultBit::meltdown_compat, IsQualityCompatible());
     bits.Set(ResultBit::os_type, IsServerProduct());
     ReadRepCommunicatorVersion(record);

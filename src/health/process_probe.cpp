@@ -1,23 +1,13 @@
 #include "health/process_probe.h"
 
 #include "platform/owner.h"
-#include "platform/text.h"
+#include "platform/process_list.h"
 #include "run/logging.h"
 
 #include <psapi.h>
-#include <tlhelp32.h>
-
-#include <algorithm>
 
 namespace vantor {
 namespace {
-
-std::string LowerCase(std::string text)
-{
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-    return text;
-}
 
 void WarnOfMemory(const char* call, DWORD processId, DWORD error)
 {
@@ -34,19 +24,15 @@ std::uint8_t InTenMebibytes(std::uint32_t bytes)
 
 } // namespace
 
-ProcessList ListProcesses()
+ProcessMap MapProcesses()
 {
-    ProcessList processes;
-    const FileHandle snapshot(::CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
-    PROCESSENTRY32W entry{};
-    entry.dwSize = sizeof(entry);
-    if (!snapshot || !::Process32FirstW(snapshot.Get(), &entry)) {
-        LogWarning("The processes cannot be listed. Error:" + std::to_string(::GetLastError()));
-        return processes;
+    ProcessMap processes;
+    for (const ProcessEntry& entry : ListProcesses()) {
+        processes.emplace(entry.name, entry.id);
     }
-    do {
-        processes.emplace(LowerCase(ToNarrow(entry.szExeFile)), entry.th32ProcessID);
-    } while (::Process32NextW(snapshot.Get(), &entry));
+    if (processes.empty()) {
+        LogWarning("The processes cannot be listed. Error:" + std::to_string(::GetLastError()));
+    }
     return processes;
 }
 
@@ -65,7 +51,7 @@ std::uint32_t GetProcessMem(DWORD processId)
     return static_cast<std::uint32_t>(counters.WorkingSetSize);
 }
 
-void GetProcessInfo(HealthRecord& record, const ProcessList& processes)
+void GetProcessInfo(HealthRecord& record, const ProcessMap& processes)
 {
     static constexpr struct {
         const char* name;

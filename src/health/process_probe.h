@@ -10,11 +10,11 @@
 
 namespace vantor {
 
-/// Identifiers of the running processes by image name, lower-cased (Toolhelp snapshot).
-using ProcessList = std::multimap<std::string, DWORD>;
+/// Identifiers of the running processes by image name, lower-cased.
+using ProcessMap = std::multimap<std::string, DWORD>;
 
 /// Takes one snapshot; empty, with a warning, when Windows refuses it.
-ProcessList ListProcesses();
+ProcessMap MapProcesses();
 
 /// The working set of a process in bytes, its low 32 bits (GetProcessMemoryInfo); 0, with a warning, when it cannot
 /// be read.
@@ -22,6 +22,6 @@ std::uint32_t GetProcessMem(DWORD processId);
 
 /// Sets bits 7 to 15 and 27 and the two memory readings from the processes. Only those are opened whose memory is
 /// reported.
-void GetProcessInfo(HealthRecord& record, const ProcessList& processes);
+void GetProcessInfo(HealthRecord& record, const ProcessMap& processes);
 
 } // namespace vantor

@@ -4,11 +4,32 @@
 
 namespace vantor {
 
-std::optional<RegistryKey> RegistryKey::OpenForReading(const wchar_t* path)
+namespace {
+
+/// No value that this program reads is longer.
+constexpr DWORD kMostBytes = 1024 * 1024;
+
+} // namespace
+
+std::optional<RegistryKey> RegistryKey::Open(const wchar_t* path, REGSAM access)
 {
     RegistryHandle handle;
-    const LSTATUS status = ::RegOpenKeyExW(HKEY_LOCAL_MACHINE, path, 0, KEY_READ | KEY_WOW64_64KEY, handle.Receive());
-    if (status != ERROR_SUCCESS) {
+    if (::RegOpenKeyExW(HKEY_LOCAL_MACHINE, path, 0, access, handle.Receive()) != ERROR_SUCCESS) {
+        return std::nullopt;
+    }
+    return RegistryKey(std::move(handle));
+}
+
+std::optional<RegistryKey> RegistryKey::OpenForReading(const wchar_t* path)
+{
+    return Open(path, KEY_READ | KEY_WOW64_64KEY);
+}
+
+std::optional<RegistryKey> RegistryKey::OpenOrCreate(const wchar_t* path, REGSAM access)
+{
+    RegistryHandle handle;
+    if (::RegCreateKeyExW(HKEY_LOCAL_MACHINE, path, 0, nullptr, REG_OPTION_NON_VOLATILE, access, nullptr,
+                          handle.Receive(), nullptr) != ERROR_SUCCESS) {
         return std::nullopt;
     }
     return RegistryKey(std::move(handle));
@@ -43,13 +64,36 @@ std::optional<std::wstring> RegistryKey::QueryText(const wchar_t* value, std::si
 
 std::optional<std::wstring> RegistryKey::QueryWholeText(const wchar_t* value) const
 {
-    constexpr DWORD kMostBytes = 1024 * 1024;
-
     DWORD size = 0;
     if (Query(value, nullptr, size) != ERROR_SUCCESS || size > kMostBytes) {
         return std::nullopt;
     }
     return QueryText(value, size + sizeof(wchar_t)); // room for an odd last byte
+}
+
+std::optional<std::vector<std::uint8_t>> RegistryKey::QueryData(const wchar_t* value, DWORD type) const
+{
+    DWORD size = 0;
+    if (Query(value, nullptr, size) != ERROR_SUCCESS || size > kMostBytes) {
+        return std::nullopt;
+    }
+    std::vector<std::uint8_t> data(size);
+    DWORD actualType = REG_NONE;
+    if (Query(value, data.data(), size, &actualType) != ERROR_SUCCESS || actualType != type) {
+        return std::nullopt;
+    }
+    data.resize(std::min<std::size_t>(size, data.size()));
+    return data;
+}
+
+LSTATUS RegistryKey::SetDword(const wchar_t* value, std::uint32_t data) const
+{
+    return ::RegSetValueExW(m_handle.Get(), value, 0, REG_DWORD, reinterpret_cast<const BYTE*>(&data), sizeof(data));
+}
+
+LSTATUS RegistryKey::DeleteValue(const wchar_t* value) const
+{
+    return ::RegDeleteValueW(m_handle.Get(), value);
 }
 
 std::vector<std::wstring> RegistryKey::SubkeyNames() const

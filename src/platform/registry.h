@@ -1,4 +1,4 @@
-// Reading the registry.
+// Reading the registry, and the few single values that are written.
 #pragma once
 
 #include "platform/owner.h"
@@ -13,8 +13,14 @@ namespace vantor {
 /// An open key under HKEY_LOCAL_MACHINE.
 class RegistryKey {
 public:
-    /// Opens a key with KEY_READ in the 64-bit view (RegOpenKeyExW); nothing when Windows refuses.
+    /// Opens a key with exactly these access rights, the view among them (RegOpenKeyExW); nothing when Windows refuses.
+    static std::optional<RegistryKey> Open(const wchar_t* path, REGSAM access);
+
+    /// The same with KEY_READ in the 64-bit view.
     static std::optional<RegistryKey> OpenForReading(const wchar_t* path);
+
+    /// Opens a key, creating it if absent (RegCreateKeyExW); nothing when Windows refuses.
+    static std::optional<RegistryKey> OpenOrCreate(const wchar_t* path, REGSAM access);
 
     /// RegQueryValueExW: size is the room in bytes at buffer, then what Windows returned; type may be null.
     LSTATUS Query(const wchar_t* value, void* buffer, DWORD& size, DWORD* type = nullptr) const;
@@ -29,6 +35,15 @@ public:
 
     /// The same for a value of any length up to 1 MiB: its size is asked for first.
     std::optional<std::wstring> QueryWholeText(const wchar_t* value) const;
+
+    /// The data of a value of any length up to 1 MiB as it is, if it has this type; its size is asked for first.
+    std::optional<std::vector<std::uint8_t>> QueryData(const wchar_t* value, DWORD type) const;
+
+    /// Writes a REG_DWORD (RegSetValueExW).
+    LSTATUS SetDword(const wchar_t* value, std::uint32_t data) const;
+
+    /// Removes a value (RegDeleteValueW).
+    LSTATUS DeleteValue(const wchar_t* value) const;
 
     /// The names of the key's subkeys in Windows' order (RegEnumKeyExW).
     std::vector<std::wstring> SubkeyNames() const;

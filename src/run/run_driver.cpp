@@ -1,6 +1,8 @@
 #include "run/run_driver.h"
 
 #include "health/collectors.h"
+#include "health/integrity_checks.h"
+#include "health/updater_tracing.h"
 #include "platform/program.h"
 #include "run/get_config.h"
 #include "run/logging.h"
@@ -22,6 +24,27 @@ void SleepFor(std::chrono::milliseconds duration)
     ::Sleep(static_cast<DWORD>(duration.count()));
 }
 
+void StartTracing(IEventTracing& tracing)
+{
+    TraceProviders providers;
+    if (const DWORD error = populateGUID(providers); error != ERROR_SUCCESS) {
+        LogError("Error: populateGUID FAILED!!: " + std::to_string(error));
+    } else if (const DWORD started = StartLogging(providers, tracing); started != ERROR_SUCCESS) {
+        LogError("Error: StartLogging FAILED!!: " + std::to_string(started));
+    } else {
+        LogTrace("Starting etl tracing...");
+    }
+}
+
+void StopTracing(IEventTracing& tracing)
+{
+    if (const DWORD error = StopLogging(tracing); error != ERROR_SUCCESS) {
+        LogError("Error: StopLogging FAILED!!: " + std::to_string(error));
+    } else {
+        LogTrace("Stopping etl tracing...");
+    }
+}
+
 void RunStages(VantorLogging& logging, int argc, const char* const* argv)
 {
     RunConfig config;
@@ -31,9 +54,22 @@ void RunStages(VantorLogging& logging, int argc, const char* const* argv)
     LoggerImpl log;
     DelayAfterUpdate(config, log, SleepFor);
 
+    if (IsPostUpdate(config)) {
+        EnsureQualityCompat();
+    }
     if (IsHealthCheck(config)) {
+        CheckVxediskDeleteFlag(config);
+        CheckVxediskStartValue(config);
         const ReportBytes report = IsPreUpdate(config) ? GetPreUpdateInfo(config) : GetOSInfo(config);
         SendTelemetry(report, config);
+    }
+
+    WindowsEventTracing tracing;
+    if (ShouldStartETLTracing(config, tracing)) {
+        StartTracing(tracing);
+    }
+    if (IsPostUpdate(config)) {
+        StopTracing(tracing);
     }
 }
 

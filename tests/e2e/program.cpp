@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <fstream>
 #include <iterator>
+#include <regex>
 #include <utility>
 
 namespace vantor::e2e {
@@ -24,6 +25,9 @@ constexpr char kEmptyMachine[] = R"(REGEDIT4
 
 [-HKEY_LOCAL_MACHINE\SOFTWARE\Vexora]
 [-HKEY_LOCAL_MACHINE\SOFTWARE\VxeAV]
+[-HKEY_LOCAL_MACHINE\SOFTWARE\WOW6432Node\Vexora]
+[-HKEY_LOCAL_MACHINE\SYSTEM\CurrentControlSet\Services\vxedisk]
+[-HKEY_LOCAL_MACHINE\SYSTEM\CurrentControlSet\Control\Class\{4d36e967-e325-11ce-bfc1-08002be10318}]
 [-HKEY_LOCAL_MACHINE\SOFTWARE\Microsoft\Windows\CurrentVersion\QualityCompat]
 [-HKEY_LOCAL_MACHINE\SYSTEM\ControlSet001]
 [HKEY_LOCAL_MACHINE\HARDWARE\DESCRIPTION\System\CentralProcessor\0]
@@ -64,6 +68,8 @@ pid_t Start(const std::vector<std::string>& command, int output, int error)
 
     const pid_t child = ::fork();
     if (child == 0) {
+        // Wine's server outlives the run; it must not keep connections of the service open.
+        ::close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
         ::dup2(output, STDOUT_FILENO);
         ::dup2(error, STDERR_FILENO);
         ::execv(arguments[0], arguments.data());
@@ -87,18 +93,20 @@ int Run(const std::vector<std::string>& command, const fs::path& output, const f
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-std::vector<std::string> UnderWine(std::vector<std::string> command)
+/// The command that runs a program in the prefix of these tests, with these "NAME=VALUE" settings.
+std::vector<std::string> UnderWine(std::vector<std::string> command, std::vector<std::string> settings = {})
 {
-    command.insert(command.begin(), {VANTOR_SOURCE_DIRECTORY "/tools/wine-run", "e2e"});
-    return command;
+    settings.insert(settings.begin(), {VANTOR_SOURCE_DIRECTORY "/tools/wine-run", "e2e"});
+    settings.insert(settings.end(), command.begin(), command.end());
+    return settings;
 }
 
-Outcome RunUnderWine(std::vector<std::string> command)
+Outcome RunUnderWine(std::vector<std::string> command, std::vector<std::string> settings = {})
 {
     const fs::path output = ScratchFolder() / "stdout.txt";
     const fs::path error = ScratchFolder() / "stderr.txt";
     Outcome outcome;
-    outcome.exitCode = Run(UnderWine(std::move(command)), output, error);
+    outcome.exitCode = Run(UnderWine(std::move(command), std::move(settings)), output, error);
     outcome.standardOutput = ReadFile(output);
     outcome.standardError = ReadFile(error);
     return outcome;
@@ -130,18 +138,26 @@ std::string WindowsPath(const fs::path& path)
     return text;
 }
 
-Outcome RunProgram(std::vector<std::string> arguments)
+std::string Escaped(const std::string& path)
+{
+    return std::regex_replace(path, std::regex(R"(\\)"),
+                              R"(\\)"
+                              R"(\\)");
+}
+
+Outcome RunProgram(std::vector<std::string> arguments, std::vector<std::string> settings)
 {
     static int runs = 0;
     const fs::path logFile = ScratchFolder() / ("run" + std::to_string(++runs) + ".log");
     arguments.push_back("/logfile=" + WindowsPath(logFile));
-    return RunProgram(VANTOR_PROGRAM, std::move(arguments), logFile);
+    return RunProgram(VANTOR_PROGRAM, std::move(arguments), logFile, std::move(settings));
 }
 
-Outcome RunProgram(const fs::path& program, std::vector<std::string> arguments, const fs::path& logFile)
+Outcome RunProgram(const fs::path& program, std::vector<std::string> arguments, const fs::path& logFile,
+                   std::vector<std::string> settings)
 {
     arguments.insert(arguments.begin(), program.string());
-    Outcome outcome = RunUnderWine(std::move(arguments));
+    Outcome outcome = RunUnderWine(std::move(arguments), std::move(settings));
     outcome.log = ReadLog(logFile);
     return outcome;
 }
@@ -152,6 +168,14 @@ void SetRegistry(const std::string& lines)
     std::ofstream(file) << kEmptyMachine << lines;
     const Outcome outcome = RunUnderWine({"reg", "import", WindowsPath(file)});
     ASSERT_EQ(outcome.exitCode, 0) << outcome.standardOutput << outcome.standardError;
+}
+
+std::string RegistryValue(const std::string& key, const std::string& value)
+{
+    const Outcome outcome = RunUnderWine({"reg", "query", key, "/v", value});
+    std::smatch found;
+    const std::regex line("    " + value + " +REG_[A-Z_]+ +(.*)\r");
+    return std::regex_search(outcome.standardOutput, found, line) ? found[1].str() : "";
 }
 
 StandIn::StandIn(const std::string& name, int mebibytes)

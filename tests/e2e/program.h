@@ -24,16 +24,23 @@ std::filesystem::path ScratchFolder();
 /// A path as the program sees it.
 std::string WindowsPath(const std::filesystem::path& path);
 
-/// Runs the program with these arguments and a log file of its own, in the Wine prefix of these tests.
-Outcome RunProgram(std::vector<std::string> arguments);
+/// The same as a registry file wants it, with doubled backslashes.
+std::string Escaped(const std::string& path);
+
+/// Runs the program with these arguments and a log file of its own, in the Wine prefix of these tests, with these
+/// "NAME=VALUE" settings in its environment.
+Outcome RunProgram(std::vector<std::string> arguments, std::vector<std::string> settings = {});
 
 /// The same for another copy of the program, and with the log wherever logFile says; no /logfile is added.
 Outcome RunProgram(const std::filesystem::path& program, std::vector<std::string> arguments,
-                   const std::filesystem::path& logFile);
+                   const std::filesystem::path& logFile, std::vector<std::string> settings = {});
 
 /// Puts what the program reads of the registry into the state of these lines of a registry file, on a machine without
 /// the product otherwise, and under the test hook that sends reports to this machine.
 void SetRegistry(const std::string& lines = {});
+
+/// A value of the prefix's registry as "reg query" shows it; empty when there is none.
+std::string RegistryValue(const std::string& key, const std::string& value);
 
 /// A program that runs in the prefix under this name and holds that much memory, until the object ends.
 class StandIn {

@@ -33,7 +33,8 @@ protected:
 TEST_F(PulseTest, EachModePostsItsReport)
 {
     // The record on Windows 10 build 18362 without a product. A pre-update report goes on with the text items
-    // "Unavailable", "Unavailable", "0x0409", "Unavailable" and "Unavailable".
+    // "Unavailable", "Unavailable", "0x0409", "Unavailable" and "Unavailable"; a run after an update has just written
+    // the compatibility value that it reports.
     const struct {
         std::vector<std::string> arguments;
         std::string report;
@@ -42,12 +43,13 @@ TEST_F(PulseTest, EachModePostsItsReport)
          "DgEKAAAAAAC6RwH///////9uFAcAAQAOKwAAAAAAAAAAAAAAAQAAAAAAAABkhjcAVW5hdmFpbGFibGUAVW5hdmFpbGFibGUAMHgw"
          "NDA5AFVuYXZhaWxhYmxlAFVuYXZhaWxhYmxlAA=="},
         {{"/hcmode=postdatupdate", "/datupdatestatus=-3"},
-         "DgIKAAAAAAC6RwH/////////////AQAOKwAAAAAAAAAAAAAAAAAAAAAAAABkhg=="},
+         "DgIKAAAAAAC6RwH/////////////AQAOKwAAAAAAAAAAAAAAAgAAAAAAAABkhg=="},
         {{"/hcmode=periodic"}, "DgMKAAAAAAC6RwH///////8AAAAAAQAOKwAAAAAAAAAAAAAAAQAAAAAAAABkhg=="},
     };
     LocalService service;
     for (const auto& [arguments, report] : kCases) {
         SCOPED_TRACE(arguments.front());
+        SetRegistry();
         service.Forget();
         const Outcome outcome = RunProgram(arguments);
         EXPECT_EQ(outcome.exitCode, 0);
@@ -56,9 +58,13 @@ TEST_F(PulseTest, EachModePostsItsReport)
         ASSERT_EQ(requests.size(), 1u);
         EXPECT_EQ(requests[0].refusal, "");
         EXPECT_EQ(WithoutId(requests[0].body), kCiSection + report + "\"}}");
-        EXPECT_EQ(requests[0].head, "POST /1 HTTP/1.1\r\nContent-Length: " + std::to_string(requests[0].body.size()) +
-                                        "\r\nUser-Agent: VXCore REST Client\r\nHost: localhost:8000\r\n"
-                                        "Connection: Keep-Alive\r\n\r\n");
+        EXPECT_EQ(requests[0].method + requests[0].target, "POST/1");
+        EXPECT_EQ(requests[0].headers, (std::vector<std::pair<std::string, std::string>>{
+                                           {"Connection", "Keep-Alive"},
+                                           {"Content-Length", std::to_string(requests[0].body.size())},
+                                           {"Host", "localhost:8000"},
+                                           {"User-Agent", "VXCore REST Client"},
+                                       }));
     }
 }
 
@@ -232,10 +238,7 @@ TEST_F(PulseTest, TheLogPathComesFromSideFileThenRegistryThenArgument)
                            }));
     EXPECT_NE(outcome.standardOutput.find("TRACE: Leaving GetConfig\r\n"), std::string::npos);
 
-    std::string path = WindowsPath(folder / "registry.log");
-    path = std::regex_replace(path, std::regex(R"(\\)"),
-                              R"(\\)"
-                              R"(\\)");
+    const std::string path = Escaped(WindowsPath(folder / "registry.log"));
     SetRegistry("[HKEY_LOCAL_MACHINE\\SOFTWARE\\Vexora\\AVSolution\\DS\\DS]\n\"szVanTORLog\"=\"" + path + "\"\n");
     EXPECT_EQ(RunProgram(program, {}, folder / "registry.log").log.size(), 4u);
     outcome = RunProgram(program, {"/logfile=" + WindowsPath(folder / "argument.log")}, folder / "argument.log");

@@ -57,20 +57,5 @@ TEST(FileVersionInfo, FailsWithWindowsErrorAndLeavesTheResultAlone)
     }
 }
 
-TEST(FileVersionInfo, FixedVersion)
-{
-    const auto version = ReadFileVersion(Module(L"versioned_german"));
-    ASSERT_TRUE(version);
-    EXPECT_EQ(version->major, 7);
-    EXPECT_EQ(version->minor, 300);
-    EXPECT_EQ(version->build, 515);
-    EXPECT_EQ(version->revision, 65535);
-}
-
-TEST(FileVersionInfo, IsExportedByThePrograms)
-{
-    EXPECT_NE(::GetProcAddress(::GetModuleHandleW(nullptr), "NewFileVersionInfo"), nullptr);
-}
-
 } // namespace
 } // namespace vantor

@@ -25,45 +25,34 @@ std::string LogPath(std::vector<const char*> arguments = {})
     return config.logFile;
 }
 
-/// The text file beside the program.
-class SideFile {
-public:
-    explicit SideFile(const std::string& text) { std::ofstream(m_path, std::ios::binary) << text; }
-    ~SideFile() { std::filesystem::remove(m_path); }
-
-private:
-    std::filesystem::path m_path = std::filesystem::path(*ProgramPath()).replace_extension(L".txt");
-};
-
 TEST(GetConfig, TheLogPathComesFromSideFileThenRegistryThenArgument)
 {
     ScratchRegistry registry;
     EXPECT_EQ(LogPath(), "");
-    const SideFile file("#/logfile=no\r\n/logfile=C:\\first.log\r\n/LOGFILE=no\n/logfile=C:\\side file.log\r\nend");
+    const auto sideFile = std::filesystem::path(*ProgramPath()).replace_extension(L".txt");
+    std::ofstream(sideFile, std::ios::binary)
+        << "#/logfile=no\r\n/logfile=C:\\first.log\r\n/LOGFILE=no\n/logfile=C:\\side file.log\r\nend";
     EXPECT_EQ(LogPath(), "C:\\side file.log");
     registry.Set(kLogPathKey, L"szVanTORLog", L"C:\\registry.log");
     EXPECT_EQ(LogPath(), "C:\\registry.log");
     EXPECT_EQ(LogPath({"/logfile=C:\\argument.log"}), "C:\\argument.log");
+    std::filesystem::remove(sideFile);
 }
 
 TEST(GetConfig, AnyStateOfTheRegistryValueGivesAPathOrNone)
 {
     const std::wstring longest(258, L'x');
-    const auto bytes = [](const std::wstring& text) {
-        const auto* const data = reinterpret_cast<const BYTE*>(text.data());
-        return std::vector<BYTE>(data, data + text.size() * sizeof(wchar_t));
-    };
     const struct {
         DWORD type;
         std::vector<BYTE> data;
         std::string path;
     } kCases[] = {
         {REG_SZ, {}, ""},
-        {REG_SZ, {'a', 0, 'b'}, "a"},                            // an odd byte, no terminator
-        {REG_SZ, bytes({L'a', 0, L'b', 0}), "a"},                // an embedded terminator
-        {REG_DWORD, {'a', 0, 'b', 0}, "ab"},                     // the type is not judged
-        {REG_SZ, bytes(longest + L'\0'), std::string(258, 'x')}, // the 518 bytes there is room for
-        {REG_BINARY, std::vector<BYTE>(519, 'x'), ""},           // one more is unreadable
+        {REG_SZ, {'a', 0, 'b'}, "a"},                                             // an odd byte, no terminator
+        {REG_SZ, ScratchRegistry::Bytes({L'a', 0, L'b', 0}), "a"},                // an embedded terminator
+        {REG_DWORD, {'a', 0, 'b', 0}, "ab"},                                      // the type is not judged
+        {REG_SZ, ScratchRegistry::Bytes(longest + L'\0'), std::string(258, 'x')}, // the 518 bytes there is room for
+        {REG_BINARY, std::vector<BYTE>(519, 'x'), ""},                            // one more is unreadable
     };
     for (const auto& row : kCases) {
         ScratchRegistry registry;

@@ -7,24 +7,18 @@
 
 #include <gtest/gtest.h>
 
-#include <regex>
-
 namespace vantor {
 namespace {
 
 constexpr wchar_t kIdentifiers[] = L"Software\\Vexora\\AVSolution\\VXSHIELDGLOBAL\\GLOBAL";
-const std::vector<std::uint8_t> kReport = {0xFB, 0xFF, 0x00, 0x10};
 
-TEST(VriRest, AnEmptyMachineHasEmptyIdentifiers)
+TEST(VriRest, ReportsAreBase64)
 {
     ScratchRegistry registry;
-    const VRIREST payload;
-    const std::regex expected(R"(\{"ci":\{"affid":"0","cid":"","cliid":"","xpoid":"","pev":1\.2,"prn":"VANTor-EPV",)"
-                              R"("pv":"1\.0\.14","rid":-?[0-9]+,"sdkv":"VXCore REST Client"\},)"
-                              R"("rpt":\{"vantor":"\+/8AEA=="\}\})");
-    const std::string body = payload.CreatePostData(kReport);
-    EXPECT_TRUE(std::regex_match(body, expected)) << body;
-    EXPECT_EQ(payload.ServiceHost(), L"vri.vexora.example");
+    const std::vector<std::uint8_t> report = {0xFB, 0xFF, 0x00, 0x10};
+    EXPECT_NE(VRIREST().CreatePostData(report).find(R"("rpt":{"vantor":"+/8AEA=="}})"), std::string::npos);
+    EXPECT_NE(VRIREST().CreatePostData({}).find(R"("rpt":{"vantor":""}})"), std::string::npos);
+    EXPECT_EQ(VRIREST().ServiceHost(), L"vri.vexora.example");
 }
 
 TEST(VriRest, EveryRequestHasAnIdOfItsOwn)
@@ -54,46 +48,28 @@ TEST(VriRest, IdentifiersComeFromTheRegistry)
     EXPECT_NE(VRIREST().CreateCiSection().find(R"("cliid":"")"), std::string::npos);
 }
 
-TEST(VriRest, AnEmptyReportIsAnEmptyText)
-{
-    ScratchRegistry registry;
-    EXPECT_NE(VRIREST().CreatePostData({}).find(R"("rpt":{"vantor":""}})"), std::string::npos);
-}
-
 TEST(HttpImplementation, LogsTheCallsThatShapeTheConversation)
 {
     const auto log = std::make_shared<RecordingLogger>();
     HttpImplementation http(log);
     EXPECT_TRUE(http.IsReady());
-    DWORD number = 5;
     EXPECT_EQ(http.Connect(nullptr, L"host", 443, 0), nullptr);
     EXPECT_NE(::GetLastError(), 0u);
-    http.OpenRequest(nullptr, L"POST", L"/1", nullptr, nullptr, nullptr, 7);
-    http.SetTimeouts(nullptr, 1, 2, 3, 4);
     http.AddRequestHeaders(nullptr, L"A: b", 4, 6);
     http.SetCredentials(nullptr, 1, 2, L"me", L"secret", nullptr);
-    http.SetOption(nullptr, 84, nullptr, 4);
     http.CloseHandle(nullptr);
-    EXPECT_EQ(log->lines,
-              (std::vector<std::string>{
-                  "T HttpImplementation::Connect: hSession=0, pswzServerName=host, nServerPort=443, dwReserved=0",
-                  "T HttpImplementation::OpenRequest: hConnect=0, pwszVerb=POST, pwszObjectName=/1, "
-                  "pwszVersion=<null>, pwszReferrer=<null>, ppwszAcceptTypes=0, dwFlags=7",
-                  "T HttpImplementation::SetTimeouts: hInternet=0, dwResolveTimeout=1, dwConnectTimeout=2, "
-                  "dwSendTimeout=3, dwReceiveTimeout=4",
-                  "T HttpImplementation::AddRequestHeaders: hRequest=0, pwszHeaders=A: b, dwHeadersLength=4, "
-                  "dwModifiers=6",
-                  "T HttpImplementation::SetCredentials: hRequest=0, AuthTargets=1, AuthScheme=2, pwszUserName=me, "
-                  "pwszPassword=secret",
-                  "T HttpImplementation::SetOption: hInternet=0, dwOption=84, lpBuffer=0, dwBufferLength=4",
-                  "T HttpImplementation::CloseHandle: handle=0",
-              }));
-
-    log->lines.clear();
+    DWORD number = 5; // the calls that move data are not logged
     http.SendRequest(nullptr, nullptr, 0, nullptr, 0, 0, 0);
     http.ReceiveResponse(nullptr, nullptr);
     http.QueryDataAvailable(nullptr, &number);
-    EXPECT_TRUE(log->lines.empty());
+    EXPECT_EQ(
+        log->lines,
+        (std::vector<std::string>{
+            "T HttpImplementation::Connect: hSession=0, pswzServerName=host, nServerPort=443, dwReserved=0",
+            "T HttpImplementation::AddRequestHeaders: hRequest=0, pwszHeaders=A: b, dwHeadersLength=4, dwModifiers=6",
+            "T HttpImplementation::SetCredentials: hRequest=0, AuthTargets=1, AuthScheme=2, pwszUserName=me, "
+            "pwszPassword=secret",
+            "T HttpImplementation::CloseHandle: handle=0"}));
     EXPECT_FALSE(HttpImplementation(nullptr).CloseHandle(nullptr)); // reaches WinHTTP without a logger too
 }
 

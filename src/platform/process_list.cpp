@@ -1,0 +1,51 @@
+#include "platform/process_list.h"
+
+#include "platform/owner.h"
+#include "platform/text.h"
+
+#include <tlhelp32.h>
+
+#include <algorithm>
+
+namespace vantor {
+namespace {
+
+const ProcessEntry* Find(const std::vector<ProcessEntry>& processes, DWORD id)
+{
+    const auto found =
+        std::find_if(processes.begin(), processes.end(), [id](const ProcessEntry& entry) { return entry.id == id; });
+    return found == processes.end() ? nullptr : &*found;
+}
+
+std::string LowerCase(std::string text)
+{
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+    return text;
+}
+
+} // namespace
+
+std::vector<ProcessEntry> ListProcesses()
+{
+    std::vector<ProcessEntry> processes;
+    const FileHandle snapshot(::CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
+    PROCESSENTRY32W entry{};
+    entry.dwSize = sizeof(entry);
+    if (!snapshot || !::Process32FirstW(snapshot.Get(), &entry)) {
+        return processes;
+    }
+    do {
+        processes.push_back({entry.th32ProcessID, entry.th32ParentProcessID, LowerCase(ToNarrow(entry.szExeFile))});
+    } while (::Process32NextW(snapshot.Get(), &entry));
+    return processes;
+}
+
+std::optional<std::string> ParentName(const std::vector<ProcessEntry>& processes, DWORD processId)
+{
+    const ProcessEntry* const process = Find(processes, processId);
+    const ProcessEntry* const parent = process ? Find(processes, process->parentId) : nullptr;
+    return parent ? std::optional(parent->name) : std::nullopt;
+}
+
+} // namespace vantor

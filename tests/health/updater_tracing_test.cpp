@@ -1,0 +1,208 @@
+#include "health/updater_tracing.h"
+
+#include "health/trace_files.h"
+#include "log_capture.h"
+#include "platform/process_list.h"
+
+#include <gtest/gtest.h>
+
+#include <objbase.h>
+
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+
+namespace vantor {
+namespace {
+
+/// Answers as its members say and records what it is asked.
+class ScriptedTracing : public IEventTracing {
+public:
+    ULONG Start(TRACEHANDLE& session, TraceProperties& given) override
+    {
+        session = 7;
+        trace = given;
+        return startError;
+    }
+    ULONG Query(TraceProperties& given) override
+    {
+        given.properties.Wnode.HistoricalContext = 9;
+        return queryError;
+    }
+    ULONG Stop(TraceProperties& given) override
+    {
+        trace = given;
+        return stopError;
+    }
+    ULONG Enable(TRACEHANDLE session, const GUID& provider, ULONG level) override
+    {
+        enabled.push_back({session, provider.Data1, level});
+        return enableError;
+    }
+    ULONG Enumerate(std::vector<GUID>& providers) override
+    {
+        providers = registered;
+        return enumerateError;
+    }
+    std::optional<std::uint64_t> FreeBytes(const std::wstring&) override { return std::nullopt; }
+
+    ULONG startError = 0, queryError = 0, stopError = 0, enableError = 0, enumerateError = 0;
+    std::vector<GUID> registered;
+    TraceProperties trace{};
+    std::vector<std::tuple<TRACEHANDLE, unsigned long, ULONG>> enabled;
+};
+
+const TraceProviders kProviders = {{4, {1, 0, 0, {}}}, {5, {2, 0, 0, {}}}};
+
+/// A number in the block that Windows is given.
+template <typename Number>
+Number At(const TraceProperties& trace, std::size_t offset)
+{
+    Number number{};
+    std::memcpy(&number, reinterpret_cast<const char*>(&trace) + offset, sizeof(number));
+    return number;
+}
+
+TEST(TraceProperties, AreLaidOutAsWindowsReadsThem)
+{
+    const std::wstring file = L"C:\\x\\scupdateETL_1.log";
+    const struct {
+        std::size_t offset;
+        ULONG current, old; ///< from Windows version 6 on, and before
+    } kFields[] = {
+        {0, 4224, 4224}, // Wnode.BufferSize
+        {40, 1, 2},      // Wnode.ClientContext
+        {44, 0x20000, 0x20000},
+        {48, 1024, 1024}, // BufferSize
+        {52, 256, 256},
+        {56, 276, 276},
+        {60, 10240, 10},   // MaximumFileSize
+        {64, 0x2001, 1},   // LogFileMode
+        {112, 120, 120},   // LogFileNameOffset
+        {116, 2168, 2168}, // LoggerNameOffset
+    };
+    const auto current = MakeTraceProperties(file, true);
+    const auto old = MakeTraceProperties(file, false);
+    ASSERT_TRUE(current && old);
+    for (const auto& field : kFields) {
+        EXPECT_EQ(At<ULONG>(*current, field.offset), field.current) << field.offset;
+        EXPECT_EQ(At<ULONG>(*old, field.offset), field.old) << field.offset;
+    }
+    wchar_t guid[64];
+    ::StringFromGUID2(At<GUID>(*current, 24), guid, 64);
+    EXPECT_STREQ(guid, L"{D67AAF49-A12E-4ACB-A2B0-F92304295DE3}");
+    EXPECT_EQ(reinterpret_cast<const wchar_t*>(&*current) + 120 / 2, file);
+    EXPECT_EQ(reinterpret_cast<const wchar_t*>(&*current) + 2168 / 2, std::wstring(L"scupdateLogger"));
+    EXPECT_TRUE(MakeTraceProperties(std::wstring(1023, L'x'), true));
+    EXPECT_FALSE(MakeTraceProperties(std::wstring(1024, L'x'), true));
+    EXPECT_TRUE(IsWindowsVersion6());
+}
+
+TEST(UpdaterTracing, StartsOrReusesASessionAndEnablesWhatIsNotRegistered)
+{
+    using Enabled = std::vector<std::tuple<TRACEHANDLE, unsigned long, ULONG>>;
+    const struct {
+        ULONG start, query, enumerate, enable;
+        DWORD result;
+        Enabled enabled;
+        std::string line;
+    } kCases[] = {
+        {0, 0, 0, 0, 0, {{7, 2, 5}}, "TRACE: Now Logging."},
+        {183, 0, 0, 0, 0, {{9, 2, 5}}, "TRACE: Logging session already exists. Reusing existing session."},
+        {183, 5, 0, 0, 5, {}, "ERROR: The running session cannot be queried. Error:5"},
+        {5, 0, 0, 0, 5, {}, "ERROR: Failed to start logging. exitCode:5"},
+        {0, 0, 87, 0, 0, {{7, 1, 4}, {7, 2, 5}}, " WARN: The registered trace providers cannot be listed. Error:87"},
+        {0, 0, 0, 8, 0, {{7, 2, 5}}, " WARN: A trace provider cannot be enabled. Error:8"},
+    };
+    for (const auto& row : kCases) {
+        SCOPED_TRACE(row.line);
+        ScriptedTracing tracing;
+        tracing.registered = {{1, 0, 0, {}}};
+        tracing.startError = row.start;
+        tracing.queryError = row.query;
+        tracing.enumerateError = row.enumerate;
+        tracing.enableError = row.enable;
+        LogCapture log;
+        EXPECT_EQ(StartLogging(kProviders, tracing), row.result);
+        EXPECT_EQ(tracing.enabled, row.enabled);
+        EXPECT_TRUE(log.Has(row.line));
+        EXPECT_TRUE(
+            log.Has("TRACE: StartLogging: Failed on initialization scoped access protection exclusion object."));
+        EXPECT_EQ(log.Has("TRACE: Now Logging."), row.result == 0);
+    }
+    ScriptedTracing tracing;
+    EXPECT_EQ(StartLogging({}, tracing), 0xFFFFFFFF);
+    EXPECT_EQ(tracing.trace.properties.Wnode.BufferSize, 0u); // nothing was started
+}
+
+TEST(UpdaterTracing, StoppingSaysHowItWent)
+{
+    const std::pair<ULONG, const char*> kCases[] = {
+        {0, "TRACE: Stopped logging"},
+        {4201, "TRACE: Cannot stop as no running instance exist with logger name:scupdateLogger"},
+        {5, "ERROR: Errors/warnings during stop logging request Error:5"},
+    };
+    for (const auto& [error, line] : kCases) {
+        ScriptedTracing tracing;
+        tracing.stopError = error;
+        LogCapture log;
+        EXPECT_EQ(StopLogging(tracing), error);
+        EXPECT_TRUE(log.Has(line)) << line;
+        EXPECT_EQ(tracing.trace.properties.Wnode.BufferSize, 4224u);
+    }
+}
+
+TEST(UpdaterTracing, Needs151Mebibytes)
+{
+    EXPECT_FALSE(HasRoomForTrace(151 * 1048576ULL - 1));
+    EXPECT_TRUE(HasRoomForTrace(151 * 1048576ULL));
+}
+
+TEST(UpdaterTracing, TheProvidersOfThisBuildAreUnderstood)
+{
+    TraceProviders providers;
+    EXPECT_EQ(populateGUID(providers), 0u);
+    ASSERT_EQ(providers.size(), 1u);
+    EXPECT_EQ(providers[0].level, 4u);
+    EXPECT_EQ(providers[0].id.Data1, 0x3E8C7A52u);
+}
+
+TEST(TraceFiles, TheOldestGoUntilNineAreLeft)
+{
+    SYSTEMTIME time{};
+    time.wYear = 2026, time.wMonth = 2, time.wDay = 3, time.wHour = 4, time.wMinute = 5, time.wSecond = 6;
+    EXPECT_EQ(TraceFileName(time), L"scupdateETL_20260203.040506.log");
+
+    const std::filesystem::path folder = std::filesystem::current_path() / "trace_files_test";
+    for (const int count : {9, 10, 13}) {
+        std::filesystem::remove_all(folder);
+        std::filesystem::create_directory(folder);
+        std::ofstream(folder / "other.log") << "not a trace";
+        for (int number = 0; number < count; ++number) { // the later the name, the older the file
+            const auto path = folder / ("scupdateETL_" + std::to_string(100 + number) + ".log");
+            std::ofstream(path) << "trace";
+            std::filesystem::last_write_time(path, std::filesystem::file_time_type::clock::now() -
+                                                       std::chrono::hours(number));
+        }
+        const auto files = ListTraceFiles(folder.wstring() + L"\\");
+        EXPECT_EQ(files.size(), static_cast<std::size_t>(count));
+        EXPECT_TRUE(TrimTraceFiles(files));
+        const auto left = ListTraceFiles(folder.wstring() + L"\\");
+        EXPECT_EQ(left.size(), 9u);
+        EXPECT_EQ(left.back(), (folder / "scupdateETL_100.log").wstring());
+        EXPECT_TRUE(std::filesystem::exists(folder / "other.log"));
+    }
+    EXPECT_FALSE(TrimTraceFiles(std::vector<std::wstring>(10, L"no such file")));
+    std::filesystem::remove_all(folder);
+}
+
+TEST(ProcessList, ParentsAreFoundByTheirId)
+{
+    const std::vector<ProcessEntry> processes = {{1, 0, "first"}, {2, 1, "second"}, {3, 99, "orphan"}};
+    EXPECT_EQ(ParentName(processes, 2), "first");
+    EXPECT_EQ(ParentName(processes, 3), std::nullopt);
+    EXPECT_EQ(ParentName(processes, 4), std::nullopt);
+}
+
+} // namespace
+} // namespace vantor
