@@ -29,6 +29,13 @@ constexpr char kBrokenMachine[] = R"(
 "system_core_version"="20.4.0.112"
 )";
 
+/// The broken machine with one text of it replaced.
+std::string Machine(const std::string& text, const std::string& other)
+{
+    std::string machine = kBrokenMachine;
+    return machine.replace(machine.find(text), text.size(), other);
+}
+
 /// Bits 19 to 22 of the only pulse that arrives.
 unsigned DriverBits(const LocalService& service)
 {
@@ -47,6 +54,10 @@ TEST(Repairs, BeforeAndAfter)
     } kCases[] = {
         {{"/hcmode=postdatupdate", "/datupdatestatus=0"}, kBrokenMachine, "0x0", "", "0x0", 5},
         {{"/hcmode=predatupdate"}, kBrokenMachine, "0x0", "", "", 5},
+        {{"/hcmode=periodic"}, Machine("76,78,65,64,69,73,6b,00,00", "78,00,00"), "0x3", "", "", 5}, // not listed
+        {{"/hcmode=periodic"}, Machine("20.4.0.112", "20.5"), "0x4", "", "", 1}, // a platform that is new enough
+        {{"/hcmode=periodic"}, Machine("dword:00000004", "dword:00000000"), "0x0", "", "", 1},
+        {{"/hcmode=periodic"}, Machine("DeleteFlag", "Another"), "0x0", "", "", 4},
         {{"/hcmode=periodic"}, "", "", "", "", 0},
         {{"/uninstall"}, kBrokenMachine, "0x4", "0x1", "", 0},
     };
