@@ -219,11 +219,15 @@ void SendTelemetry(std::span<const std::uint8_t> report, const RunConfig& config
     if (!HasTransport()) {
         return;
     }
-    RESTTelemetry telemetry(VantorLogging::GetLogger().IsActive(), config);
-    if (config.restTest) {
-        telemetry.Payload().SetReadOnly();
+    try {
+        RESTTelemetry telemetry(VantorLogging::GetLogger().IsActive(), config);
+        if (config.restTest) {
+            telemetry.Payload().SetReadOnly();
+        }
+        telemetry.Send(report.data(), report.size());
+    } catch (const std::exception& error) { // such as no memory for a reply: the run goes on without its report
+        LogError(std::string("Send telemetry failed: ") + error.what());
     }
-    telemetry.Send(report.data(), report.size());
 }
 
 } // namespace vantor
