@@ -1,5 +1,6 @@
 #include "platform/process_list.h"
 
+#include "platform/lower_case.h"
 #include "platform/owner.h"
 #include "platform/text.h"
 
@@ -15,13 +16,6 @@ const ProcessEntry* Find(const std::vector<ProcessEntry>& processes, DWORD id)
     const auto found =
         std::find_if(processes.begin(), processes.end(), [id](const ProcessEntry& entry) { return entry.id == id; });
     return found == processes.end() ? nullptr : &*found;
-}
-
-std::string LowerCase(std::string text)
-{
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-    return text;
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "run/options.h"
 
+#include "platform/lower_case.h"
 #include "run/numbers.h"
 
 #include <limits>
@@ -64,17 +65,6 @@ constexpr Option kOptions[] = {
     {"/principal", Value::required, SetText<&RunConfig::principal>},
     {"/target", Value::required, SetText<&RunConfig::target>},
 };
-
-std::string LowerCase(std::string_view text)
-{
-    std::string lower(text);
-    for (char& c : lower) {
-        if (c >= 'A' && c <= 'Z') {
-            c = static_cast<char>(c - 'A' + 'a');
-        }
-    }
-    return lower;
-}
 
 const Option* FindOption(std::string_view lowerCased)
 {
