@@ -8,7 +8,6 @@
 #include "run/ipv6_preference.h"
 #include "run/logging.h"
 
-#include <sstream>
 #include <string>
 
 namespace vantor {
@@ -79,12 +78,8 @@ HealthRecord CollectRecord(const RunConfig& config)
     record.arch = NativeMachine();
     bits.Set(ResultBit::ipv6, PrefersIpv6());
 
-    std::ostringstream recordText;
-    RenderHealthRecord(recordText, record);
-    LogTrace("Sending: " + recordText.str());
-    std::ostringstream bitsText;
-    RenderTestResultBits(bitsText, bits);
-    LogTrace("ResultBits: " + bitsText.str());
+    LogTrace("Sending: " + RenderHealthRecord(record));
+    LogTrace("ResultBits: " + RenderTestResultBits(bits));
     return record;
 }
 

@@ -31,6 +31,7 @@ ULONG WindowsEventTracing::Enumerate(std::vector<GUID>& providers)
     for (ULONG error = ERROR_MORE_DATA; error == ERROR_MORE_DATA && count <= kMostProviders; count *= 2) {
         std::vector<TRACE_GUID_PROPERTIES> properties(count);
         std::vector<TRACE_GUID_PROPERTIES*> pointers;
+        pointers.reserve(count);
         for (TRACE_GUID_PROPERTIES& entry : properties) {
             pointers.push_back(&entry);
         }

@@ -3,7 +3,6 @@
 #include <bit>
 #include <cstddef>
 #include <cstring>
-#include <ostream>
 #include <type_traits>
 
 namespace vantor {
@@ -140,22 +139,22 @@ HealthRecord DecodeHealthRecord(std::span<const std::uint8_t, HealthRecord::kWir
     return record;
 }
 
-void RenderHealthRecord(std::ostream& stream, const HealthRecord& record)
+std::string RenderHealthRecord(const HealthRecord& record)
 {
-    stream << '{';
+    std::string text = "{";
     for (const HealthRecordField& field : kFields) {
-        stream << " \"" << field.key << "\": " << field.Value(record);
+        text += std::string(" \"") + field.key + "\": " + std::to_string(field.Value(record));
     }
-    stream << " }";
+    return text + " }";
 }
 
-void RenderTestResultBits(std::ostream& stream, const TestResultBits& bits)
+std::string RenderTestResultBits(const TestResultBits& bits)
 {
-    stream << '{';
+    std::string text = "{";
     for (const ResultBitName& name : kBitNames) {
-        stream << " \"" << name.key << "\": " << (bits.Test(name.bit) ? '1' : '0');
+        text += std::string(" \"") + name.key + (bits.Test(name.bit) ? "\": 1" : "\": 0");
     }
-    stream << " }";
+    return text + " }";
 }
 
 } // namespace vantor

@@ -4,9 +4,10 @@
 #include "vantor_version.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
-#include <iosfwd>
 #include <span>
+#include <string>
 
 namespace vantor {
 
@@ -126,10 +127,10 @@ std::array<std::uint8_t, HealthRecord::kWireSize> EncodeHealthRecord(const Healt
 /// The record that wire bytes hold, whatever their layout version says.
 HealthRecord DecodeHealthRecord(std::span<const std::uint8_t, HealthRecord::kWireSize> bytes);
 
-/// Writes `{ "key": value "key": value }`, values in decimal and no commas: for people to read, never parsed.
-void RenderHealthRecord(std::ostream& stream, const HealthRecord& record);
+/// Gives `{ "key": value "key": value }`, values in decimal and no commas: for people to read, never parsed.
+std::string RenderHealthRecord(const HealthRecord& record);
 
-/// Writes `{ "key": 1 "key": 0 }` with the bits in the order of ResultBitNames.
-void RenderTestResultBits(std::ostream& stream, const TestResultBits& bits);
+/// Gives `{ "key": 1 "key": 0 }` with the bits in the order of ResultBitNames.
+std::string RenderTestResultBits(const TestResultBits& bits);
 
 } // namespace vantor

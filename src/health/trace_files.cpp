@@ -22,7 +22,7 @@ struct TraceFile {
     std::uint64_t changed; ///< in Windows' file time
     std::wstring name;
 
-    auto operator<=>(const TraceFile&) const = default;
+    auto operator<=>(const TraceFile&) const = default; // NOLINT(modernize-use-nullptr): nothing is written 0
 };
 
 } // namespace
@@ -59,6 +59,7 @@ std::vector<std::wstring> ListTraceFiles(const std::wstring& folder)
     }
     std::sort(files.begin(), files.end());
     std::vector<std::wstring> paths;
+    paths.reserve(files.size());
     for (const TraceFile& file : files) {
         paths.push_back(folder + file.name);
     }

@@ -2,8 +2,9 @@
 
 #include <windows.h>
 
+#include <charconv>
+#include <cstdint>
 #include <limits>
-#include <sstream>
 #include <stdexcept>
 
 namespace vantor {
@@ -55,9 +56,12 @@ std::wstring ToWide(std::string_view text)
 
 std::string PointerText(const void* pointer)
 {
-    std::ostringstream stream;
-    stream << pointer;
-    return stream.str();
+    if (!pointer) {
+        return "0";
+    }
+    char text[2 + 2 * sizeof(pointer)] = {'0', 'x'};
+    const auto end = std::to_chars(text + 2, std::end(text), reinterpret_cast<std::uintptr_t>(pointer), 16).ptr;
+    return {text, end};
 }
 
 } // namespace vantor

@@ -1,6 +1,7 @@
 #include "run/get_config.h"
 
 #include "platform/program.h"
+#include "platform/read_file.h"
 #include "platform/registry.h"
 #include "platform/text.h"
 #include "run/logging.h"
@@ -9,9 +10,8 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
+#include <optional>
+#include <string_view>
 #include <vector>
 
 namespace vantor {
@@ -20,23 +20,17 @@ namespace {
 void ReadSideFile(RunConfig& config)
 {
     constexpr std::string_view kLogFile = "/logfile=";
-    constexpr std::size_t kMostBytes = 1024 * 1024; // the file holds a line or two; what is longer is not read
+    constexpr std::size_t kMostBytes = 1 << 20; // the file holds a line or two; what is longer is not read
 
     std::optional<std::wstring> path = ProgramPath();
     if (!path) {
         return;
     }
     path->resize(std::min(path->rfind(L'.'), path->size()));
-    std::ifstream file(std::filesystem::path(*path + L".txt"), std::ios::binary);
-    if (!file) {
-        return;
-    }
-    std::string text(kMostBytes, '\0');
-    file.read(text.data(), static_cast<std::streamsize>(text.size()));
-    text.resize(static_cast<std::size_t>(file.gcount()));
-
-    std::istringstream lines(text);
-    for (std::string line; std::getline(lines, line);) {
+    const std::string text = ReadFileStart(*path + L".txt", kMostBytes).value_or("");
+    for (std::string_view rest = text; !rest.empty();) {
+        const std::string_view line = rest.substr(0, rest.find('\n'));
+        rest.remove_prefix(std::min(line.size() + 1, rest.size()));
         if (line.starts_with(kLogFile)) {
             LogTrace("Handling '/logfile' from config file.");
             config.logFile = line.substr(kLogFile.size(), line.find('\r') - kLogFile.size());

@@ -2,50 +2,51 @@
 
 #include "platform/text.h"
 
-#include <sstream>
+#include <string>
+#include <type_traits>
 #include <utility>
 
 namespace vantor {
 namespace {
 
-void WriteValue(std::wostream& stream, const wchar_t* text)
+std::string ValueText(const wchar_t* text)
 {
-    stream << (text ? text : L"<null>");
+    return text ? ToNarrow(text) : "<null>";
 }
 
-void WriteValue(std::wostream& stream, const void* pointer)
+std::string ValueText(const void* pointer)
 {
-    stream << pointer;
+    return PointerText(pointer);
 }
 
 template <typename Number>
-    requires std::is_integral_v<Number>
-void WriteValue(std::wostream& stream, Number number)
-{
-    stream << number;
-}
+    requires std::is_integral_v<Number> std::string ValueText(Number number)
+    {
+        return std::to_string(number);
+    }
 
-void WriteArguments(std::wostream&, const wchar_t*) {}
+void AppendArguments(std::string&, const char*) {}
 
 template <typename Value, typename... Rest>
-void WriteArguments(std::wostream& stream, const wchar_t* separator, const wchar_t* name, const Value& value,
-                    const Rest&... rest)
+void AppendArguments(std::string& line, const char* separator, const char* name, const Value& value,
+                     const Rest&... rest)
 {
-    stream << separator << name << L'=';
-    WriteValue(stream, value);
-    WriteArguments(stream, L", ", rest...);
+    line += separator;
+    line += name;
+    line += '=';
+    line += ValueText(value);
+    AppendArguments(line, ", ", rest...);
 }
 
 } // namespace
 
 template <typename... Arguments>
-void HttpImplementation::Trace(const wchar_t* operation, const Arguments&... arguments) const
+void HttpImplementation::Trace(const char* operation, const Arguments&... arguments) const
 {
     if (m_logger) {
-        std::wostringstream line;
-        line << L"HttpImplementation::" << operation;
-        WriteArguments(line, L": ", arguments...);
-        m_logger->Log(LogLevel::trace, ToNarrow(line.str()));
+        std::string line = std::string("HttpImplementation::") + operation;
+        AppendArguments(line, ": ", arguments...);
+        m_logger->Log(LogLevel::trace, line);
     }
 }
 
@@ -58,13 +59,13 @@ bool HttpImplementation::IsReady()
 
 BOOL HttpImplementation::CloseHandle(HINTERNET handle)
 {
-    Trace(L"CloseHandle", L"handle", handle);
+    Trace("CloseHandle", "handle", handle);
     return ::WinHttpCloseHandle(handle);
 }
 
 BOOL HttpImplementation::QueryOption(HINTERNET internet, DWORD option, void* buffer, DWORD* bufferLength)
 {
-    Trace(L"QueryOption", L"hInternet", internet, L"dwOption", option, L"lpBuffer", buffer, L"lpdwBufferLength",
+    Trace("QueryOption", "hInternet", internet, "dwOption", option, "lpBuffer", buffer, "lpdwBufferLength",
           bufferLength);
     return ::WinHttpQueryOption(internet, option, buffer, bufferLength);
 }
@@ -72,30 +73,29 @@ BOOL HttpImplementation::QueryOption(HINTERNET internet, DWORD option, void* buf
 HINTERNET HttpImplementation::Open(const wchar_t* userAgent, DWORD accessType, const wchar_t* proxyName,
                                    const wchar_t* proxyBypass, DWORD flags)
 {
-    Trace(L"Open", L"pwszUserAgent", userAgent, L"dwAccessType", accessType, L"pwszProxyName", proxyName,
-          L"pwszProxyBypass", proxyBypass, L"dwFlags", flags);
+    Trace("Open", "pwszUserAgent", userAgent, "dwAccessType", accessType, "pwszProxyName", proxyName, "pwszProxyBypass",
+          proxyBypass, "dwFlags", flags);
     return ::WinHttpOpen(userAgent, accessType, proxyName, proxyBypass, flags);
 }
 
 BOOL HttpImplementation::SetTimeouts(HINTERNET internet, int resolve, int connect, int send, int receive)
 {
-    Trace(L"SetTimeouts", L"hInternet", internet, L"dwResolveTimeout", resolve, L"dwConnectTimeout", connect,
-          L"dwSendTimeout", send, L"dwReceiveTimeout", receive);
+    Trace("SetTimeouts", "hInternet", internet, "dwResolveTimeout", resolve, "dwConnectTimeout", connect,
+          "dwSendTimeout", send, "dwReceiveTimeout", receive);
     return ::WinHttpSetTimeouts(internet, resolve, connect, send, receive);
 }
 
 HINTERNET HttpImplementation::Connect(HINTERNET session, const wchar_t* serverName, INTERNET_PORT serverPort,
                                       DWORD reserved)
 {
-    Trace(L"Connect", L"hSession", session, L"pswzServerName", serverName, L"nServerPort", serverPort, L"dwReserved",
+    Trace("Connect", "hSession", session, "pswzServerName", serverName, "nServerPort", serverPort, "dwReserved",
           reserved);
     return ::WinHttpConnect(session, serverName, serverPort, reserved);
 }
 
 BOOL HttpImplementation::SetOption(HINTERNET internet, DWORD option, void* buffer, DWORD bufferLength)
 {
-    Trace(L"SetOption", L"hInternet", internet, L"dwOption", option, L"lpBuffer", buffer, L"dwBufferLength",
-          bufferLength);
+    Trace("SetOption", "hInternet", internet, "dwOption", option, "lpBuffer", buffer, "dwBufferLength", bufferLength);
     return ::WinHttpSetOption(internet, option, buffer, bufferLength);
 }
 
@@ -103,16 +103,16 @@ HINTERNET HttpImplementation::OpenRequest(HINTERNET connect, const wchar_t* verb
                                           const wchar_t* version, const wchar_t* referrer, const wchar_t** acceptTypes,
                                           DWORD flags)
 {
-    Trace(L"OpenRequest", L"hConnect", connect, L"pwszVerb", verb, L"pwszObjectName", objectName, L"pwszVersion",
-          version, L"pwszReferrer", referrer, L"ppwszAcceptTypes", acceptTypes, L"dwFlags", flags);
+    Trace("OpenRequest", "hConnect", connect, "pwszVerb", verb, "pwszObjectName", objectName, "pwszVersion", version,
+          "pwszReferrer", referrer, "ppwszAcceptTypes", acceptTypes, "dwFlags", flags);
     return ::WinHttpOpenRequest(connect, verb, objectName, version, referrer, acceptTypes, flags);
 }
 
 BOOL HttpImplementation::AddRequestHeaders(HINTERNET request, const wchar_t* headers, DWORD headersLength,
                                            DWORD modifiers)
 {
-    Trace(L"AddRequestHeaders", L"hRequest", request, L"pwszHeaders", headers, L"dwHeadersLength", headersLength,
-          L"dwModifiers", modifiers);
+    Trace("AddRequestHeaders", "hRequest", request, "pwszHeaders", headers, "dwHeadersLength", headersLength,
+          "dwModifiers", modifiers);
     return ::WinHttpAddRequestHeaders(request, headers, headersLength, modifiers);
 }
 
@@ -157,8 +157,8 @@ BOOL HttpImplementation::QueryAuthSchemes(HINTERNET request, DWORD* supportedSch
 BOOL HttpImplementation::SetCredentials(HINTERNET request, DWORD authTargets, DWORD authScheme, const wchar_t* userName,
                                         const wchar_t* password, void* reserved)
 {
-    Trace(L"SetCredentials", L"hRequest", request, L"AuthTargets", authTargets, L"AuthScheme", authScheme,
-          L"pwszUserName", userName, L"pwszPassword", password);
+    Trace("SetCredentials", "hRequest", request, "AuthTargets", authTargets, "AuthScheme", authScheme, "pwszUserName",
+          userName, "pwszPassword", password);
     return ::WinHttpSetCredentials(request, authTargets, authScheme, userName, password, reserved);
 }
 

@@ -43,7 +43,7 @@ public:
 private:
     /// Logs an operation with its arguments, given as name and value in turn.
     template <typename... Arguments>
-    void Trace(const wchar_t* operation, const Arguments&... arguments) const;
+    void Trace(const char* operation, const Arguments&... arguments) const;
 
     std::shared_ptr<ILogger> m_logger;
 };

@@ -11,7 +11,7 @@ namespace {
 
 /// A reply of ours is a few bytes; a server that never ends must exhaust neither memory nor time. WinHTTP's time-outs
 /// bound each read alone, so the deadline is checked between reads.
-constexpr std::size_t kReplyLimitBytes = 16 * 1024 * 1024;
+constexpr std::size_t kReplyLimitBytes = 1 << 24;
 constexpr std::uint64_t kReadDeadlineMs = 60'000;
 constexpr std::size_t kSmallestBuffer = 32768;
 

@@ -18,9 +18,7 @@ TEST(HealthRecord, EveryByteIsInItsPlace)
     const HealthRecord record = DecodeHealthRecord(kDistinctBytes);
     EXPECT_EQ(EncodeHealthRecord(record), kDistinctBytes);
     EXPECT_TRUE(record.bitfield_test_results.Test(ResultBit::ipv6));
-    std::ostringstream stream;
-    RenderHealthRecord(stream, record);
-    EXPECT_EQ(stream.str(),
+    EXPECT_EQ(RenderHealthRecord(record),
               "{ \"struct_version\": 14 \"mode\": 3 \"os_major\": 2561 \"os_minor\": 2818 \"os_service\": 3075 "
               "\"os_build\": 3332 \"os_64_bit\": 1 \"vxcore_major\": 17 \"vxcore_minor\": 18 \"vxcore_patch\": 19 "
               "\"vxcore_build\": 5141 \"vxcore_pkg\": 22 \"dat_major\": 8482 \"dat_minor\": 8996 \"vantor_major\": 1 "
@@ -41,9 +39,7 @@ TEST(TestResultBits, EachBitIsNamedWhereItStands)
         TestResultBits bits;
         bits.Set(static_cast<ResultBit>(number), true);
         EXPECT_EQ(bits.Word(), std::uint64_t{1} << number);
-        std::ostringstream stream;
-        RenderTestResultBits(stream, bits);
-        EXPECT_NE(stream.str().find("\"" + name + "\": 1"), std::string::npos) << stream.str();
+        EXPECT_NE(RenderTestResultBits(bits).find("\"" + name + "\": 1"), std::string::npos) << name;
         bits.Set(static_cast<ResultBit>(number), false);
         EXPECT_EQ(bits.Word(), 0u);
     }

@@ -1,0 +1,31 @@
+#include "platform/read_file.h"
+
+#include "platform/owner.h"
+
+#include <algorithm>
+
+namespace vantor {
+
+std::optional<std::string> ReadFileStart(const std::wstring& path, std::size_t mostBytes)
+{
+    constexpr std::size_t kPieceBytes = 4096;
+
+    const FileHandle file(::CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                        OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!file) {
+        return std::nullopt;
+    }
+    std::string text;
+    while (text.size() < mostBytes) {
+        char piece[kPieceBytes];
+        DWORD read = 0;
+        const auto wanted = static_cast<DWORD>(std::min(kPieceBytes, mostBytes - text.size()));
+        if (!::ReadFile(file.Get(), piece, wanted, &read, nullptr) || read == 0) {
+            break;
+        }
+        text.append(piece, read);
+    }
+    return text;
+}
+
+} // namespace vantor
