@@ -1,0 +1,141 @@
+#include "inspect/input.h"
+
+#include "inspect/printable_text.h"
+
+#include <algorithm>
+
+namespace vantor::inspect {
+namespace {
+
+using nlohmann::ordered_json;
+
+constexpr std::string_view kBlanks = " \t\r\n";
+constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+constexpr std::string_view kUtf16Marks[] = {"\xFF\xFE", "\xFE\xFF"};
+constexpr std::string_view kBase64Characters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/=";
+
+std::string_view Trimmed(std::string_view text)
+{
+    const std::size_t begin = std::min(text.find_first_not_of(kBlanks), text.size());
+    return text.substr(begin, text.find_last_not_of(kBlanks) + 1 - begin);
+}
+
+/// Parses what is not a pulse's body yet; no deeper than a service's lines go, for the parser's own stack is not
+/// endless.
+ordered_json ParseShallow(std::string_view text)
+{
+    constexpr int kDeepest = 4;
+    return ordered_json::parse(
+        text.begin(), text.end(),
+        [](int depth, ordered_json::parse_event_t, ordered_json&) {
+            if (depth > kDeepest) {
+                throw PulseError("the JSON is nested too deeply");
+            }
+            return true;
+        },
+        false);
+}
+
+/// A body or a service's line.
+DatedPulse ReadJsonPulse(std::string_view text)
+{
+    const ordered_json json = ParseShallow(text);
+    if (json.is_object() && json.contains("report")) {
+        return PulseFromJson(json);
+    }
+    return {{}, DecodePulse(text)}; // whose messages are the exact ones
+}
+
+/// One value, maybe over several lines, or one a line.
+Input ReadJsonInput(std::string_view text)
+{
+    Input input;
+    if (const std::string_view value = Trimmed(text); ordered_json::accept(value.begin(), value.end())) {
+        try {
+            input.pulses.push_back(ReadJsonPulse(value));
+        } catch (const PulseError& error) {
+            throw InputError(error.what());
+        }
+        return input;
+    }
+    std::size_t number = 0;
+    while (!text.empty()) {
+        const std::string_view whole = text.substr(0, text.find('\n'));
+        text.remove_prefix(std::min(whole.size() + 1, text.size()));
+        const std::string_view line = Trimmed(whole);
+        ++number;
+        try {
+            if (!line.empty()) {
+                input.pulses.push_back(ReadJsonPulse(line));
+            }
+        } catch (const PulseError& error) {
+            input.problems.push_back("line " + std::to_string(number) + ": " + error.what());
+        }
+    }
+    return input;
+}
+
+Input ReadLogInput(const std::vector<LogMessage>& messages)
+{
+    Input input;
+    input.runs = ReadRuns(messages);
+    for (const Run& run : input.runs) {
+        if (!run.pulseProblem.empty()) {
+            input.problems.push_back("line " + std::to_string(run.pulseLine) +
+                                     ": the logged body is no pulse: " + run.pulseProblem);
+        }
+    }
+    return input;
+}
+
+Input ReadReportInput(std::string_view text)
+{
+    const std::size_t foreign = text.find_first_not_of(std::string(kBase64Characters) + std::string(kBlanks));
+    if (foreign != std::string_view::npos) {
+        throw InputError("this is no log, no JSON and no Base64 report: byte " + std::to_string(foreign + 1) +
+                         " is \"" + PrintableText(text.substr(foreign, 1)) + '"');
+    }
+    std::string base64(text);
+    std::erase_if(base64, [](char character) { return kBlanks.find(character) != std::string_view::npos; });
+    try {
+        return {{{{}, DecodeReportText(base64)}}, {}, {}};
+    } catch (const PulseError& error) {
+        throw InputError(error.what());
+    }
+}
+
+} // namespace
+
+Input ReadInput(std::string_view text)
+{
+    for (const std::string_view mark : kUtf16Marks) {
+        if (text.starts_with(mark)) {
+            throw InputError("the text is UTF-16, as PowerShell's \">\" writes it; save it as UTF-8 or ASCII");
+        }
+    }
+    if (text.starts_with(kUtf8Mark)) {
+        text.remove_prefix(kUtf8Mark.size());
+    }
+    const std::string_view trimmed = Trimmed(text);
+    if (trimmed.empty()) {
+        throw InputError("there is nothing in it");
+    }
+    if (const auto messages = ReadLogMessages(text); !messages.empty()) {
+        return ReadLogInput(messages);
+    }
+    return trimmed.front() == '{' ? ReadJsonInput(text) : ReadReportInput(text);
+}
+
+std::vector<DatedPulse> LastPulses(const Input& input, std::size_t count)
+{
+    std::vector<DatedPulse> pulses = input.pulses;
+    for (const Run& run : input.runs) {
+        if (run.pulse) {
+            pulses.push_back({run.begin, *run.pulse});
+        }
+    }
+    pulses.erase(pulses.begin(), pulses.end() - static_cast<std::ptrdiff_t>(std::min(count, pulses.size())));
+    return pulses;
+}
+
+} // namespace vantor::inspect

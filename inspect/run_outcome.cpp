@@ -1,0 +1,106 @@
+#include "inspect/run_outcome.h"
+
+#include "inspect/field_texts.h"
+
+#include <algorithm>
+
+namespace vantor::inspect {
+namespace {
+
+/// What a part of a logged failure stands for.
+struct Explanation {
+    std::string_view part;
+    const char* text;
+};
+
+constexpr Explanation kExplanations[] = {
+    {"ERROR_WINHTTP_CANNOT_CONNECT", "nothing answers at the service's address, or a firewall refuses"},
+    {"ERROR_WINHTTP_TIMEOUT", "no answer came in time"},
+    {"ERROR_WINHTTP_NAME_NOT_RESOLVED", "a host name, the service's or the proxy's, cannot be resolved"},
+    {"ERROR_WINHTTP_CONNECTION_ERROR", "the connection was broken off"},
+    {"ERROR_WINHTTP_INVALID_SERVER_RESPONSE",
+     "the connection was broken off before an answer, or the answer is no HTTP"},
+    {"ERROR_WINHTTP_SECURE_CHANNEL_ERROR", "TLS could not be agreed on, or the server's certificate has expired"},
+    {"ERROR_WINHTTP_SECURE_FAILURE", "the server's certificate was not accepted"},
+    {"ERROR_WINHTTP_LOGIN_FAILURE", "the proxy refused the credentials"},
+    {"(10060)", "the answer stopped coming"},
+    {"WinHTTP status: 407", "the proxy wants credentials, or refused those it got"},
+    {"WinHTTP status: ", "the service did not answer with 200"},
+    {"http not initialised", "the connection could not be set up"},
+    {"lacks", "this Windows lacks a function that is needed"},
+    {"invalid arguments", "the report is empty or too large"},
+};
+
+std::string FirstLine(std::string_view text)
+{
+    return std::string(text.substr(0, text.find('\n')));
+}
+
+std::string FailureText(const RunFacts& facts)
+{
+    if (facts.isInspected) {
+        return "the server's certificate is not from a pinned issuer, most likely an inspecting proxy's";
+    }
+    const auto* const known = std::ranges::find_if(
+        kExplanations, [&](const Explanation& one) { return facts.sendFailure.find(one.part) != std::string::npos; });
+    const std::string logged =
+        FirstLine(facts.sendFailure) + (facts.setUpFailure.empty() ? "" : "; " + FirstLine(facts.setUpFailure));
+    return known == std::end(kExplanations) ? logged : known->text + (" (" + logged + ')');
+}
+
+std::string WayText(const RunFacts& facts)
+{
+    if (facts.fellBack) {
+        return "directly, after the proxy could not be reached";
+    }
+    if (facts.hasNamedProxy) {
+        return "through the proxy given on the command line";
+    }
+    return facts.proxy.empty() ? "directly" : "through the detected proxy " + facts.proxy;
+}
+
+std::string CountText(const Run& run, EventKind kind, const std::string& noun)
+{
+    const auto count = std::ranges::count(run.events, kind, &RunEvent::kind);
+    return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
+}
+
+std::string SentenceStart(const Run& run, const RunFacts& facts)
+{
+    const std::string mode =
+        run.pulse ? std::string(ModeText(run.pulse->report.record.mode)) + " pulse" : std::string("pulse");
+    if (!facts.fatalError.empty()) {
+        return "The run ended early, with exit code " + std::to_string(facts.exitCode) + ": " +
+               FirstLine(facts.fatalError);
+    }
+    switch (run.delivery) {
+    case Delivery::failed:
+        return "The " + mode + " was not delivered" +
+               (facts.fellBack ? ", not in a second, direct try either: " : ": ") + FailureText(facts);
+    case Delivery::delivered:
+        return "The " + mode + " was delivered " + WayText(facts);
+    case Delivery::unknown:
+        return "The log ends inside " + facts.innermostScope + ": the run was stopped there, or is still under way";
+    case Delivery::notTried:
+        break;
+    }
+    return "The run sent nothing: it had no mode";
+}
+
+} // namespace
+
+void ConcludeRun(Run& run, const RunFacts& facts)
+{
+    const bool isCut = !facts.innermostScope.empty();
+    if (!facts.sendFailure.empty() || (facts.reachedSending && !facts.leftSending && !isCut)) {
+        run.delivery = Delivery::failed;
+    } else if (facts.leftSending) {
+        run.delivery = Delivery::delivered;
+    } else if (isCut) {
+        run.delivery = Delivery::unknown;
+    }
+    run.outcome = SentenceStart(run, facts) + "; " + CountText(run, EventKind::warning, "warning") + ", " +
+                  CountText(run, EventKind::error, "error") + '.';
+}
+
+} // namespace vantor::inspect
