@@ -1,6 +1,7 @@
 // vantor-service: the local reputation service as a program.
-#include "service/printable_text.h"
-#include "service/pulse_text.h"
+#include "inspect/input.h"
+#include "inspect/printable_text.h"
+#include "inspect/pulse_text.h"
 #include "service/reputation_service.h"
 
 #include <algorithm>
@@ -74,7 +75,7 @@ constexpr Option kOptions[] = {
      [](auto& options, auto& value) { options.config.certificateFile = value; }},
     {"--key FILE", "its private key, PEM (required)",
      [](auto& options, auto& value) { options.config.keyFile = value; }},
-    {"--pulses FILE", "append one JSON line a pulse to this file",
+    {"--pulses FILE", "append one JSON line a pulse to this file, and show those in it on the page",
      [](auto& options, auto& value) { options.pulsesFile = value; }},
     {"--status N", "answer with this status",
      [](auto& options, auto& value) { options.behaviour.status = Number(value, 200, 599); }},
@@ -85,16 +86,23 @@ constexpr Option kOptions[] = {
     {"--body-bytes N", "answer with a body of so many bytes",
      [](auto& options, auto& value) { options.behaviour.bodyBytes = Bytes(value); }},
     {"--chunked", "send the body in chunks", [](auto& options, auto&) { options.behaviour.chunked = true; }},
+    {"--piece-delay MS", "wait so long before each byte of the body",
+     [](auto& options, auto& value) {
+         options.behaviour.pieceDelay = std::chrono::milliseconds(Number(value, 0, kLongestDelayMs));
+     }},
     {"--stall-after BYTES", "stop sending after so many bytes of the body",
      [](auto& options, auto& value) { options.behaviour.stallAfter = Bytes(value); }},
     {"--close WHEN", "cut the connection: before-answer or in-body",
      [](auto& options, auto& value) { options.behaviour.cut = Cut(value); }},
+    {"--challenge VALUE", "act as a proxy that asks for credentials, such as: Basic realm=\"x\"",
+     [](auto& options, auto& value) { options.behaviour.challenges.push_back(value); }},
     {"--help", "show this text", [](auto& options, auto&) { options.help = true; }},
 };
 
 void ShowHelp()
 {
-    std::cout << "vantor-service receives pulses on https://localhost, checks, decodes and shows them.\n\nOptions:\n";
+    std::cout << "vantor-service receives pulses on https://localhost, checks, decodes and shows them,\n"
+                 "here and to a browser.\n\nOptions:\n";
     for (const Option& option : kOptions) {
         std::cout << "  " << std::left << std::setw(22) << option.usage << option.help << '\n';
     }
@@ -106,6 +114,7 @@ Options ParseOptions(const std::vector<std::string>& arguments)
 {
     Options options;
     options.config.port = 8000;
+    // cppcheck-suppress StlMissingComparison ; the second step on is compared where it is made
     for (auto argument = arguments.begin(); argument != arguments.end(); ++argument) {
         const auto* const option = std::find_if(std::begin(kOptions), std::end(kOptions),
                                                 [&](const Option& one) { return one.Name() == *argument; });
@@ -125,7 +134,7 @@ Options ParseOptions(const std::vector<std::string>& arguments)
 
 int Complain(const std::string& message, int exitCode)
 {
-    std::cerr << "vantor-service: " << PrintableText(message) << std::endl;
+    std::cerr << "vantor-service: " << vantor::inspect::PrintableText(message) << std::endl;
     return exitCode;
 }
 
@@ -140,16 +149,38 @@ sigset_t WithholdEndingSignals()
     return signals;
 }
 
-void ShowPulse(const ReceivedPulse& received, std::ofstream& pulses)
+void ShowPulse(const DatedPulse& received, std::ofstream& pulses)
 {
-    std::cout << PulseBlock(received.pulse, received.received) << std::endl;
+    std::cout << vantor::inspect::PulseBlock(received) << std::endl;
     if (!pulses.is_open()) {
         return;
     }
-    pulses << PulseJson(received.pulse, received.received) << std::endl;
+    pulses << vantor::inspect::JsonLine(vantor::inspect::PulseJson(received)) << std::endl;
     if (!pulses) {
         Complain("a pulse could not be written to the --pulses file", kExitCannotStart);
         pulses.clear();
+    }
+}
+
+/// Lets the page show the pulses that an earlier run of the service has written.
+void ShowEarlierPulses(const std::string& file, ReputationService& service)
+{
+    std::ifstream stream(file, std::ios::binary);
+    const std::string text{std::istreambuf_iterator<char>(stream), {}};
+    if (text.empty()) {
+        return;
+    }
+    const std::string place = file + ": ";
+    try {
+        const vantor::inspect::Input input = vantor::inspect::ReadInput(text);
+        for (const DatedPulse& pulse : LastPulses(input, ReputationService::kMostKept)) {
+            service.AddPulse(pulse);
+        }
+        for (const std::string& problem : input.problems) {
+            Complain(place + problem, kExitCannotStart);
+        }
+    } catch (const vantor::inspect::InputError& error) {
+        Complain(place + error.what(), kExitCannotStart);
     }
 }
 
@@ -164,15 +195,17 @@ int Serve(const Options& options)
     }
     const sigset_t signals = WithholdEndingSignals();
     ReputationService service(options.config);
+    ShowEarlierPulses(options.pulsesFile, service);
     service.SetBehaviour(options.behaviour);
-    service.SetCallbacks([&](const ReceivedPulse& received) { ShowPulse(received, pulses); },
+    service.SetCallbacks([&](const DatedPulse& received) { ShowPulse(received, pulses); },
                          [](const std::string& line) { std::cout << line << std::endl; });
     try {
         service.Start();
     } catch (const ServiceError& error) {
         return Complain(error.what(), kExitCannotStart);
     }
-    std::cout << "listening on https://localhost:" << service.Port() << std::endl;
+    std::cout << "listening on https://localhost:" << service.Port() << "/ (a browser shows the pulses there)"
+              << std::endl;
     int signal = 0;
     ::sigwait(&signals, &signal);
     service.Stop();

@@ -1,12 +1,14 @@
 #include "service/reputation_service.h"
 
+#include "inspect/printable_text.h"
 #include "service/answer.h"
-#include "service/printable_text.h"
+#include "service/connections.h"
+#include "service/pulse_page.h"
 
 #include <httplib.h>
 
 #include <cerrno>
-#include <filesystem>
+#include <regex>
 #include <system_error>
 
 namespace vantor::service {
@@ -15,7 +17,8 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr char kAddress[] = "127.0.0.1";
-constexpr char kPulseTarget[] = "/1";
+constexpr char kPulseTarget[] = "(https://localhost(:[0-9]+)?)?/1"; // whole, too: Wine sends it so through a tunnel
+constexpr char kPagePath[] = "/";
 constexpr std::size_t kBodyLimitBytes = 65'536;
 constexpr auto kSilenceLimit = 5s;
 constexpr std::time_t kIdleLimitSeconds = 10;
@@ -23,31 +26,6 @@ constexpr std::size_t kMostRequestsPerConnection = 100;
 
 /// Whether the connection that this thread serves has brought a request.
 thread_local bool requestSeen = false;
-
-/// What OpenSSL says went wrong first; the errors behind it only repeat that it did.
-std::string FirstSslError(const char* otherwise)
-{
-    const unsigned long error = ::ERR_peek_error();
-    if (ERR_SYSTEM_ERROR(error)) {
-        return std::generic_category().message(ERR_GET_REASON(error));
-    }
-    const char* reason = ::ERR_reason_error_string(error);
-    return reason == nullptr ? otherwise : reason;
-}
-
-/// Shuts down every socket of this process that has this port on its own side, whatever is done with it now.
-void ShutDownConnections(std::uint16_t port)
-{
-    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
-        const int descriptor = std::stoi(entry.path().filename());
-        sockaddr_in address{};
-        socklen_t size = sizeof address;
-        if (::getsockname(descriptor, reinterpret_cast<sockaddr*>(&address), &size) == 0 &&
-            address.sin_family == AF_INET && address.sin_port == htons(port)) {
-            ::shutdown(descriptor, SHUT_RDWR);
-        }
-    }
-}
 
 /// Threads that have every connection served by one function.
 class Workers final : public httplib::ThreadPool {
@@ -65,9 +43,20 @@ private:
     const Serve m_serve;
 };
 
+bool IsForPulses(const httplib::Request& request)
+{
+    static const std::regex pattern(kPulseTarget);
+    return std::regex_match(request.target, pattern);
+}
+
 bool IsPacked(const httplib::Request& request)
 {
     return request.has_header("Content-Encoding") || request.is_multipart_form_data();
+}
+
+bool IsForPage(const httplib::Request& request)
+{
+    return (request.method == "GET" || request.method == "HEAD") && request.path == kPagePath;
 }
 
 bool HasLength(const httplib::Request& request)
@@ -84,7 +73,7 @@ std::pair<int, std::string> RefusalOf(const httplib::Request& request, int statu
     if (status >= 400 && status != 404) {
         return {status, "this is no complete HTTP request"};
     }
-    if (request.target != kPulseTarget) {
+    if (!IsForPulses(request)) {
         return {404, "there is nothing at this path"};
     }
     if (request.method != "POST") {
@@ -92,6 +81,14 @@ std::pair<int, std::string> RefusalOf(const httplib::Request& request, int statu
     }
     return HasLength(request) ? std::pair(415, "the body is compressed or multipart")
                               : std::pair(411, "the body has no length");
+}
+
+/// Whether a proxy with this behaviour lets the request through.
+bool IsAdmitted(const Behaviour& behaviour, const httplib::Request& request)
+{
+    const std::string shown = request.get_header_value("Proxy-Authorization");
+    return behaviour.challenges.empty() ||
+           (behaviour.authorization.empty() ? !shown.empty() : shown == behaviour.authorization);
 }
 
 ReceivedRequest Received(const httplib::Request& request)
@@ -119,7 +116,7 @@ std::string RefusalLine(const ReceivedRequest& request)
 {
     constexpr std::size_t kShownBytes = 60;
     const std::string line = request.method + (request.method.empty() ? "" : " ") + request.target;
-    return "refused " + PrintableText(line, kShownBytes) + (line.empty() ? "" : ": ") + request.refusal;
+    return "refused " + inspect::PrintableText(line, kShownBytes) + (line.empty() ? "" : ": ") + request.refusal;
 }
 
 } // namespace
@@ -190,9 +187,13 @@ void ReputationService::SetUpServer()
     m_server->set_payload_max_length(kBodyLimitBytes);
     m_server->Post(kPulseTarget, [this](const httplib::Request& request, httplib::Response& response,
                                         const httplib::ContentReader& read) { Answer(request, response, read); });
+    m_server->Get(kPagePath, [this](const auto& request, auto& response) { AnswerPage(request, response); });
     // A body that cpp-httplib would wait for in vain, or unpack, is not read.
     m_server->set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
-        if (HasLength(request) && !(request.target == kPulseTarget && IsPacked(request))) {
+        if (IsForPage(request)) {
+            return httplib::Server::HandlerResponse::Unhandled;
+        }
+        if (HasLength(request) && !(IsForPulses(request) && IsPacked(request))) {
             return httplib::Server::HandlerResponse::Unhandled;
         }
         Refuse(request, response);
@@ -236,7 +237,13 @@ void ReputationService::SetBehaviour(const Behaviour& behaviour)
     m_behaviour = behaviour;
 }
 
-std::vector<ReceivedPulse> ReputationService::Pulses() const
+void ReputationService::AddPulse(DatedPulse pulse)
+{
+    const std::lock_guard lock(m_mutex);
+    Keep(m_pulses, std::move(pulse));
+}
+
+std::vector<DatedPulse> ReputationService::Pulses() const
 {
     const std::lock_guard lock(m_mutex);
     return {m_pulses.begin(), m_pulses.end()};
@@ -266,22 +273,37 @@ void ReputationService::Answer(const httplib::Request& request, httplib::Respons
     if (received.body.size() > kBodyLimitBytes) { // in chunks; an announced length has been looked at before
         response.status = 413;
     }
-    if (!whole || request.target != kPulseTarget) {
+    if (!whole || !IsForPulses(request)) {
         Refuse(request, response);
         return;
     }
-    received.refusal = JudgePulse(received.body);
-    const bool accepted = received.refusal.empty();
-    response.status = accepted ? 200 : 400;
-    response.set_content(accepted ? R"({"accepted":true})" : received.refusal + '\n',
-                         accepted ? "application/json" : "text/plain");
-    OnRequest(std::move(received));
     Behaviour behaviour;
     {
         const std::lock_guard lock(m_mutex);
         behaviour = m_behaviour;
     }
+    const bool admitted = IsAdmitted(behaviour, request);
+    received.refusal = admitted ? JudgePulse(received.body) : "the proxy asks for credentials";
+    const bool accepted = received.refusal.empty();
+    response.status = accepted ? 200 : admitted ? 400 : 407;
+    for (std::size_t index = 0; !admitted && index < behaviour.challenges.size(); ++index) {
+        response.set_header("Proxy-Authenticate", behaviour.challenges[index]);
+    }
+    response.set_content(accepted ? R"({"accepted":true})" : received.refusal + '\n',
+                         accepted ? "application/json" : "text/plain");
+    OnRequest(std::move(received));
     Misbehave(behaviour, ::SSL_get_fd(request.ssl), response);
+}
+
+void ReputationService::AnswerPage(const httplib::Request& request, httplib::Response& response)
+{
+    requestSeen = true;
+    const PageFilter filter{request.get_param_value("mode"), request.get_param_value("bit")};
+    response.set_content(PulsePage(Pulses(), filter), "text/html; charset=utf-8");
+    response.set_header("Content-Security-Policy", kPagePolicy);
+    response.set_header("X-Content-Type-Options", "nosniff");
+    response.set_header("Referrer-Policy", "no-referrer");
+    response.set_header("Cache-Control", "no-store");
 }
 
 /// Refuses what is no POST of a whole body to /1. The connection ends with it: some of the body may be unread.
@@ -313,16 +335,13 @@ void ReputationService::OnRequest(ReceivedRequest request)
 /// The reason to refuse the pulse, empty when it is accepted.
 std::string ReputationService::JudgePulse(const std::string& body)
 {
-    ReceivedPulse pulse{std::chrono::system_clock::now(), {}};
+    DatedPulse pulse{std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now()), {}};
     try {
-        pulse.pulse = DecodePulse(body);
-    } catch (const PulseError& error) {
+        pulse.pulse = inspect::DecodePulse(body);
+    } catch (const inspect::PulseError& error) {
         return error.what();
     }
-    {
-        const std::lock_guard lock(m_mutex);
-        Keep(m_pulses, pulse);
-    }
+    AddPulse(pulse);
     const std::lock_guard lock(m_callbackMutex);
     if (m_onPulse) {
         m_onPulse(pulse);

@@ -1,8 +1,8 @@
 // The local reputation service: an HTTPS server on this machine that receives pulses.
 #pragma once
 
+#include "inspect/pulse_text.h"
 #include "service/behaviour.h"
-#include "service/pulse_decoder.h"
 
 #include <atomic>
 #include <chrono>
@@ -42,10 +42,7 @@ struct ReceivedRequest {
     std::string refusal; ///< why it was refused; empty for a well-formed pulse
 };
 
-struct ReceivedPulse {
-    std::chrono::system_clock::time_point received;
-    Pulse pulse;
-};
+using inspect::DatedPulse;
 
 /// what() says why the service cannot start.
 class ServiceError : public std::runtime_error {
@@ -53,9 +50,10 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// Answers on https://localhost, over IPv4: POST /1 with 200 for a well-formed pulse and 400 with the reason for another;
-/// another verb there with 405, another path with 404, a body without a length with 411, one over 64 KiB with 413 and a
-/// compressed or multipart one with 415. The transport is cpp-httplib's. Every operation but Start, Stop and SetCallbacks
+/// Answers on https://localhost, over IPv4: POST /1 with 200 for a well-formed pulse and 400 with the reason for
+/// another; another verb there with 405, another path with 404, a body without a length with 411, one over 64 KiB with
+/// 413 and a compressed or multipart one with 415; GET / with a page of the pulses, filtered by the queries "mode" and
+/// "bit" (such requests are not kept). The transport is cpp-httplib's. Every operation but Start, Stop and SetCallbacks
 /// may be called from any thread at any time.
 class ReputationService {
 public:
@@ -65,7 +63,7 @@ public:
     /// So many connections are served at a time. Others wait until one of them ends; a silent one does in seconds.
     static constexpr std::size_t kMostConnections = 128;
 
-    using PulseCallback = std::function<void(const ReceivedPulse&)>;
+    using PulseCallback = std::function<void(const DatedPulse&)>;
     using RefusalCallback = std::function<void(const std::string& line)>;
 
     explicit ReputationService(ServiceConfig config);
@@ -89,8 +87,11 @@ public:
     /// Holds for every POST to /1 from here on.
     void SetBehaviour(const Behaviour& behaviour);
 
+    /// Adds an earlier pulse, of another run of the service.
+    void AddPulse(DatedPulse pulse);
+
     /// The well-formed pulses, in order.
-    std::vector<ReceivedPulse> Pulses() const;
+    std::vector<DatedPulse> Pulses() const;
 
     /// Every request, refused ones included, in order. Of what cannot be read as HTTP only the refusal counts.
     std::vector<ReceivedRequest> Requests() const;
@@ -105,6 +106,7 @@ private:
     void SetUpServer();
     void Serve(const std::function<void()>& connection);
     void Answer(const httplib::Request& request, httplib::Response& response, const httplib::ContentReader& read);
+    void AnswerPage(const httplib::Request& request, httplib::Response& response);
     void Refuse(const httplib::Request& request, httplib::Response& response);
     std::string JudgePulse(const std::string& body);
     void OnRequest(ReceivedRequest request);
@@ -120,7 +122,7 @@ private:
     RefusalCallback m_onRefusal;
     mutable std::mutex m_mutex; ///< guards what follows
     Behaviour m_behaviour;
-    std::deque<ReceivedPulse> m_pulses;
+    std::deque<DatedPulse> m_pulses;
     std::deque<ReceivedRequest> m_requests;
 };
 
