@@ -20,7 +20,7 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t kStampLength = 19; // "26/11/21 08:41:36: "
 
-/// Nothing that a probe reads is there; reports go to this machine.
+/// Nothing that a probe reads is there; reports go here; the shell is not the explorer.exe that Wine starts at times.
 constexpr char kEmptyMachine[] = R"(REGEDIT4
 
 [-HKEY_LOCAL_MACHINE\SOFTWARE\Vexora]
@@ -30,10 +30,16 @@ constexpr char kEmptyMachine[] = R"(REGEDIT4
 [-HKEY_LOCAL_MACHINE\SYSTEM\CurrentControlSet\Control\Class\{4d36e967-e325-11ce-bfc1-08002be10318}]
 [-HKEY_LOCAL_MACHINE\SOFTWARE\Microsoft\Windows\CurrentVersion\QualityCompat]
 [-HKEY_LOCAL_MACHINE\SYSTEM\ControlSet001]
+[-HKEY_CURRENT_USER\Software\Microsoft\Windows\CurrentVersion\Internet Settings\Connections]
+[-HKEY_LOCAL_MACHINE\SOFTWARE\Microsoft\Windows\CurrentVersion\Internet Settings\Connections]
+[HKEY_LOCAL_MACHINE\SOFTWARE\Microsoft\Windows NT\CurrentVersion\Winlogon]
+"Shell"="C:\\Windows\\Desktop.exe"
 [HKEY_LOCAL_MACHINE\HARDWARE\DESCRIPTION\System\CentralProcessor\0]
 "Identifier"=-
 [HKEY_LOCAL_MACHINE\SYSTEM\CurrentControlSet\Control\FileSystem]
 "NtfsEnableDirCaseSensitivity"=-
+[HKEY_LOCAL_MACHINE\SOFTWARE\Classes\CLSID\{0f87369f-a4e5-4cfc-bd3e-73e6154572dd}\InprocServer32]
+@="C:\\windows\\system32\\taskschd.dll"
 [HKEY_LOCAL_MACHINE\SOFTWARE\Vexora\AVSolution\SetVriLocalHost]
 
 )";
@@ -57,9 +63,11 @@ std::vector<std::string> ReadLog(const fs::path& path)
     return lines;
 }
 
-/// Starts a program of this machine and returns its process id.
-pid_t Start(const std::vector<std::string>& command, int output, int error)
+/// Starts a program of this machine, its output in files, and returns its process id.
+pid_t Start(const std::vector<std::string>& command, const fs::path& output, const fs::path& error)
 {
+    constexpr int kWrite = O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC;
+
     std::vector<char*> arguments;
     for (const std::string& word : command) {
         arguments.push_back(const_cast<char*>(word.c_str()));
@@ -70,9 +78,9 @@ pid_t Start(const std::vector<std::string>& command, int output, int error)
     if (child == 0) {
         // Wine's server outlives the run; it must not keep connections of the service open.
         ::close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
-        ::dup2(output, STDOUT_FILENO);
-        ::dup2(error, STDERR_FILENO);
-        ::execv(arguments[0], arguments.data());
+        ::dup2(::open(output.c_str(), kWrite, 0644), STDOUT_FILENO);
+        ::dup2(::open(error.c_str(), kWrite, 0644), STDERR_FILENO);
+        ::execvp(arguments[0], arguments.data());
         ::_exit(127);
     }
     return child;
@@ -81,24 +89,10 @@ pid_t Start(const std::vector<std::string>& command, int output, int error)
 /// Runs a program of this machine, its output in files; the time limit is the script's that it runs through.
 int Run(const std::vector<std::string>& command, const fs::path& output, const fs::path& error)
 {
-    constexpr int kWrite = O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC;
-
-    const int outputFile = ::open(output.c_str(), kWrite, 0644);
-    const int errorFile = ::open(error.c_str(), kWrite, 0644);
-    const pid_t child = Start(command, outputFile, errorFile);
-    ::close(outputFile);
-    ::close(errorFile);
+    const pid_t child = Start(command, output, error);
     int status = 0;
     EXPECT_EQ(::waitpid(child, &status, 0), child);
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
-/// The command that runs a program in the prefix of these tests, with these "NAME=VALUE" settings.
-std::vector<std::string> UnderWine(std::vector<std::string> command, std::vector<std::string> settings = {})
-{
-    settings.insert(settings.begin(), {VANTOR_SOURCE_DIRECTORY "/tools/wine-run", "e2e"});
-    settings.insert(settings.end(), command.begin(), command.end());
-    return settings;
 }
 
 Outcome RunUnderWine(std::vector<std::string> command, std::vector<std::string> settings = {})
@@ -110,6 +104,12 @@ Outcome RunUnderWine(std::vector<std::string> command, std::vector<std::string> 
     outcome.standardOutput = ReadFile(output);
     outcome.standardError = ReadFile(error);
     return outcome;
+}
+
+std::string CopyOfStandIn(const std::string& name)
+{
+    fs::copy_file(VANTOR_TEST_MODULES "/process_stand_in.exe", ScratchFolder() / name);
+    return ScratchFolder() / name;
 }
 
 } // namespace
@@ -129,6 +129,16 @@ fs::path ScratchFolder()
         fs::create_directories(folder);
     }
     return folder;
+}
+
+std::vector<std::string> ReadLines(const fs::path& path)
+{
+    std::ifstream file(path);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(file, line);) {
+        lines.push_back(line);
+    }
+    return lines;
 }
 
 std::string WindowsPath(const fs::path& path)
@@ -178,23 +188,49 @@ std::string RegistryValue(const std::string& key, const std::string& value)
     return std::regex_search(outcome.standardOutput, found, line) ? found[1].str() : "";
 }
 
-StandIn::StandIn(const std::string& name, int mebibytes)
+void ExpectLog(const Outcome& outcome, const std::string& file)
 {
-    const fs::path program = ScratchFolder() / name;
-    fs::copy_file(VANTOR_TEST_MODULES "/process_stand_in.exe", program);
-    int pipe[2];
-    EXPECT_EQ(::pipe2(pipe, O_CLOEXEC), 0);
-    m_process = Start(UnderWine({program.string(), std::to_string(mebibytes)}), pipe[1], STDERR_FILENO);
-    ::close(pipe[1]);
-    char ready = 0;
-    EXPECT_EQ(::read(pipe[0], &ready, 1), 1) << name; // it has its memory now
-    ::close(pipe[0]);
+    const std::regex varying(R"(0x[0-9a-f]+|rid":-?[0-9]+|Z:\\.*|(From|On): [-0-9: ]+|Length: 2[0-9]+)");
+    std::vector<std::string> actual;
+    for (const std::string& line : outcome.log) {
+        actual.push_back(std::regex_replace(line, varying, "~"));
+    }
+    EXPECT_EQ(actual, ReadLines(VANTOR_SOURCE_DIRECTORY "/tests/e2e/" + file));
 }
 
-StandIn::~StandIn()
+std::vector<std::string> UnderWine(std::vector<std::string> command, std::vector<std::string> settings)
+{
+    settings.insert(settings.begin(), {VANTOR_SOURCE_DIRECTORY "/tools/wine-run", "e2e"});
+    settings.insert(settings.end(), command.begin(), command.end());
+    return settings;
+}
+
+Background::Background(std::vector<std::string> command, const std::string& name, const std::string& ready)
+    : m_output(ScratchFolder() / (name + ".txt"))
+{
+    // It ends with this process, and in a minute in any case.
+    command.insert(command.begin(), {"setpriv", "--pdeathsig=TERM", "timeout", "--kill-after=5", "60"});
+    m_process = Start(command, m_output, m_output);
+    for (int tries = 0; tries < 1000 && Output().find(ready) == std::string::npos; ++tries) {
+        ::usleep(10'000);
+    }
+    EXPECT_NE(Output().find(ready), std::string::npos) << name << ": " << Output();
+}
+
+Background::~Background()
 {
     ::kill(m_process, SIGTERM);
     ::waitpid(m_process, nullptr, 0);
+}
+
+std::string Background::Output() const
+{
+    return ReadFile(m_output);
+}
+
+StandIn::StandIn(const std::string& name, int mebibytes)
+    : Background(UnderWine({CopyOfStandIn(name), std::to_string(mebibytes)}), name, "ready")
+{
 }
 
 } // namespace vantor::e2e

@@ -21,6 +21,9 @@ struct Outcome {
 /// A folder for one test's files, emptied at the start of the test.
 std::filesystem::path ScratchFolder();
 
+/// The lines of a file; none when it is not there.
+std::vector<std::string> ReadLines(const std::filesystem::path& path);
+
 /// A path as the program sees it.
 std::string WindowsPath(const std::filesystem::path& path);
 
@@ -42,16 +45,32 @@ void SetRegistry(const std::string& lines = {});
 /// A value of the prefix's registry as "reg query" shows it; empty when there is none.
 std::string RegistryValue(const std::string& key, const std::string& value);
 
-/// A program that runs in the prefix under this name and holds that much memory, until the object ends.
-class StandIn {
+/// Expects the log, with "~" for what varies from run to run, to be this file of this folder, line by line.
+void ExpectLog(const Outcome& outcome, const std::string& file);
+
+/// The command that runs a Windows program in the prefix of these tests, with these "NAME=VALUE" settings.
+std::vector<std::string> UnderWine(std::vector<std::string> command, std::vector<std::string> settings = {});
+
+/// A program of this machine that runs until the object ends. It must be one that ends when it is asked to.
+class Background {
 public:
-    explicit StandIn(const std::string& name, int mebibytes = 0);
-    ~StandIn();
-    StandIn(const StandIn&) = delete;
-    StandIn& operator=(const StandIn&) = delete;
+    /// Its output goes to NAME.txt in the test's folder. Returns when that holds the text that says it is ready.
+    Background(std::vector<std::string> command, const std::string& name, const std::string& ready);
+    ~Background();
+    Background(const Background&) = delete;
+    Background& operator=(const Background&) = delete;
+
+    std::string Output() const;
 
 private:
+    std::filesystem::path m_output;
     int m_process;
+};
+
+/// A program that runs in the prefix under this name and holds that much memory, until the object ends.
+class StandIn : public Background {
+public:
+    explicit StandIn(const std::string& name, int mebibytes = 0);
 };
 
 } // namespace vantor::e2e

@@ -1,5 +1,7 @@
 #include "run/logging.h"
 #include "log_capture.h"
+#include "platform/append_file.h"
+#include "platform/text.h"
 
 #include <gtest/gtest.h>
 
@@ -38,27 +40,19 @@ TEST_F(LoggingTest, EarlyLinesComeFirstAndTheFileIsAppendedTo)
     EXPECT_THROW(VantorLogging::GetLogger(), std::logic_error);
 }
 
-TEST_F(LoggingTest, AFileThatDoesNotOpenIsDoneWithout)
+TEST_F(LoggingTest, WhoeverHoldsTheLockForGoodHoldsNobodyUp)
 {
-    VantorLogging logging;
-    logging.Write("early\r\n");
-    logging.Configure({.logFile = "no such folder\\x.log"});
-    logging.Write("late\r\n");
-    EXPECT_FALSE(logging.IsActive());
-}
-
-TEST_F(LoggingTest, VerboseEchoesEveryLineAsItIs)
-{
-    ::testing::internal::CaptureStdout();
-    {
-        VantorLogging logging;
-        logging.Write("early\r\n");
-        logging.Configure({.verbose = true});
-        EXPECT_TRUE(logging.IsActive());
-        logging.Write("late\r\n");
-    }
-    // The capture is read as text: each line's own end becomes one line feed, and none was made two.
-    EXPECT_EQ(::testing::internal::GetCapturedStdout(), "early\nlate\n");
+    AppendFile log(ToWide(m_path));
+    const FileHandle file(::CreateFileA(m_path.c_str(), GENERIC_READ, 7, nullptr, OPEN_EXISTING, 0, nullptr));
+    OVERLAPPED range{};
+    range.Offset = static_cast<DWORD>(AppendFile::kLockedByte);
+    range.OffsetHigh = static_cast<DWORD>(AppendFile::kLockedByte >> 32);
+    ASSERT_TRUE(::LockFileEx(file.Get(), LOCKFILE_EXCLUSIVE_LOCK, 0, 1, 0, &range));
+    const ULONGLONG begun = ::GetTickCount64();
+    EXPECT_TRUE(log.Append("late\r\n") && log.Append("at once\r\n"));
+    EXPECT_NEAR(static_cast<double>(::GetTickCount64() - begun), 1.2 * AppendFile::kPatienceMs,
+                AppendFile::kPatienceMs / 2.0);
+    EXPECT_EQ(FileText(), "late\r\nat once\r\n");
 }
 
 TEST(Logging, LinesHaveLevelAndScopeAndLeaveTheLastErrorAlone)
