@@ -15,6 +15,8 @@ public:
     LastErrorKeeper(const LastErrorKeeper&) = delete;
     LastErrorKeeper& operator=(const LastErrorKeeper&) = delete;
 
+    DWORD Error() const noexcept { return m_error; }
+
 private:
     DWORD m_error;
 };

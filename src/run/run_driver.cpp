@@ -7,6 +7,7 @@
 #include "run/get_config.h"
 #include "run/logging.h"
 #include "run/post_update_delay.h"
+#include "run/scheduling.h"
 #include "run/vantor_logging.h"
 #include "telemetry/rest_telemetry.h"
 
@@ -56,6 +57,8 @@ void RunStages(VantorLogging& logging, int argc, const char* const* argv)
 
     if (IsPostUpdate(config)) {
         EnsureQualityCompat();
+    } else {
+        DoScheduling(config);
     }
     if (IsHealthCheck(config)) {
         CheckVxediskDeleteFlag(config);

@@ -59,6 +59,13 @@ TEST(Repairs, BeforeAndAfter)
         {{"/hcmode=periodic"}, Machine("dword:00000004", "dword:00000000"), "0x0", "", "", 1},
         {{"/hcmode=periodic"}, Machine("DeleteFlag", "Another"), "0x0", "", "", 4},
         {{"/hcmode=periodic"}, "", "", "", "", 0},
+        // Values that are too long, too short, odd or of another type: the list's end is never missed.
+        {{"/hcmode=periodic"}, Machine("dword:00000004", "hex:04"), "0x0", "", "", 5},
+        {{"/hcmode=periodic"}, Machine("dword:00000004", "hex(b):04,00,00,00,00"), "0x0", "", "", 5},
+        {{"/hcmode=periodic"}, Machine("hex(7):76", "hex(7):00,00,76"), "0x0", "", "", 5},
+        {{"/hcmode=periodic"}, Machine("73,6b,00,00", "73,6b,00,78"), "0x0", "", "", 5},
+        {{"/hcmode=periodic"}, Machine("hex(7)", "hex(1)"), "0x3", "", "", 5},
+        {{"/hcmode=periodic"}, Machine("\"20.4.0.112\"", "hex:32"), "0x4", "", "", 1},
         {{"/uninstall"}, kBrokenMachine, "0x4", "0x1", "", 0},
     };
     for (const auto& row : kCases) {
@@ -123,12 +130,16 @@ protected:
     }
     ~TracesTest() override { fs::remove_all(m_folder); }
 
+    /// The later the name, the older the file. Beside them lies one that is no trace.
     void MakeTraces(int count)
     {
+        std::ofstream(m_folder / "a.log") << "no trace";
         for (int number = 0; number < count; ++number) {
-            std::ofstream(m_folder / ("scupdateETL_" + std::to_string(100 + number) + ".log")) << "trace";
+            std::ofstream(Trace(number)) << "trace";
+            fs::last_write_time(Trace(number), fs::file_time_type::clock::now() - std::chrono::hours(1 + number));
         }
     }
+    fs::path Trace(int number) const { return m_folder / ("scupdateETL_" + std::to_string(100 + number) + ".log"); }
     std::ptrdiff_t Count() const { return std::distance(fs::directory_iterator(m_folder), fs::directory_iterator()); }
 
     const fs::path m_folder = VANTOR_SOURCE_DIRECTORY "/build/wine/e2e/drive_c/ProgramData/Vexora/Agent/Logs";
@@ -157,14 +168,15 @@ TEST_F(TracesTest, AnybodyElseStartsNone)
     EXPECT_EQ(outcome.log.back(), " WARN: This product is not configured for update etl tracing");
 }
 
-TEST_F(TracesTest, TenOldTracesBecomeNineAndNineStay)
+TEST_F(TracesTest, TheOldestGoUntilNineAreLeft)
 {
     MakeTraces(9);
     EXPECT_TRUE(RunUnderUpdater({"/hcmode=predatupdate"}).Logged("TRACE: Starting etl tracing..."));
-    EXPECT_EQ(Count(), 9); // Wine writes no trace of its own
-    MakeTraces(10);
+    EXPECT_EQ(Count(), 10); // Wine writes no trace of its own
+    MakeTraces(13);
     const Outcome outcome = RunUnderUpdater({"/hcmode=predatupdate"});
-    EXPECT_EQ(Count(), 9);
+    EXPECT_EQ(Count(), 10);
+    EXPECT_TRUE(fs::exists(Trace(8)) && fs::exists(m_folder / "a.log"));
     EXPECT_TRUE(outcome.Logged(
         "TRACE: ShouldStartETLTracing: Failed on initialization scoped access protection exclusion object."));
 }
