@@ -71,17 +71,22 @@ package_sets=(
     "give a run a network of its own|iproute2"
     "know the name localhost on a minimal system|netbase"
 )
+# What ./check needs beside that.
+check_package_sets=(
+    "try the program behind a proxy and a name server|squid dnsmasq-base"
+)
 
 # Names what is missing, with its purpose, and installs it. Asks the package manager for nothing when all is there.
-install_packages() {
+install_packages() { # [check]
     if ! command -v apt-get >/dev/null || ! command -v dpkg-query >/dev/null; then
         say "This is no Debian: the needed packages are not installed for you (tools/lib.sh lists them)."
         return
     fi
-    local set package lacking missing=() installed
+    local set package lacking missing=() installed sets=("${package_sets[@]}")
+    [ "${1-}" != check ] || sets+=("${check_package_sets[@]}")
     # shellcheck disable=SC2048,SC2086 # the second field of a set is a list of words
-    installed=" $(dpkg-query --show --showformat='${db:Status-Status}:${Package} ' ${package_sets[*]#*|} 2>/dev/null) " || true
-    for set in "${package_sets[@]}"; do
+    installed=" $(dpkg-query --show --showformat='${db:Status-Status}:${Package} ' ${sets[*]#*|} 2>/dev/null) " || true
+    for set in "${sets[@]}"; do
         lacking=()
         for package in ${set#*|}; do
             [[ $installed == *" installed:$package "* ]] || lacking+=("$package")
@@ -98,13 +103,22 @@ apt_install() {
         command -v sudo >/dev/null || fail "run this as root, then start again: apt-get install --no-install-recommends $*"
         as_root=(sudo)
     fi
-    # The lock lets two clones that start together install one after the other; the second one finds all in place.
+    # The lock lets two clones that start together install one after the other; the second one finds all in place. squid
+    # comes as a service of the machine, too, which nobody asked for: it is neither started now nor at the next boot.
     # shellcheck disable=SC2016 # expanded by the inner shell
     step packages "Installing the packages with apt-get" \
         "see that this machine reaches its Debian mirror; a half-done installation is mended by 'dpkg --configure -a'" \
         "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive flock --timeout 900 /var/lib/dpkg sh -ec '
+            policy=/usr/sbin/policy-rc.d
+            if [ ! -e "$policy" ]; then
+                trap "rm -f $policy" EXIT
+                trap "exit 143" INT TERM HUP
+                printf "%s\n" "#!/bin/sh" "case \$1 in squid*) exit 101 ;; esac" >"$policy"
+                chmod 755 "$policy"
+            fi
             apt-get -q update || echo "Going on with the package lists that are there."
-            apt-get -q --yes --no-install-recommends -o DPkg::Lock::Timeout=300 install "$@"' sh "$@"
+            apt-get -q --yes --no-install-recommends -o DPkg::Lock::Timeout=300 install "$@"
+            case " $* " in *" squid "*) update-rc.d squid disable ;; esac' sh "$@"
 }
 
 # --- One run at a time in a clone ------------------------------------------------------------------------------------

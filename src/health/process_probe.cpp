@@ -27,11 +27,12 @@ std::uint8_t InTenMebibytes(std::uint32_t bytes)
 ProcessMap MapProcesses()
 {
     ProcessMap processes;
-    for (const ProcessEntry& entry : ListProcesses()) {
+    const ProcessList list = ListProcesses();
+    for (const ProcessEntry& entry : list.entries) {
         processes.emplace(entry.name, entry.id);
     }
     if (processes.empty()) {
-        LogWarning("The processes cannot be listed. Error:" + std::to_string(::GetLastError()));
+        LogWarning("The processes cannot be listed. Error:" + std::to_string(list.error));
     }
     return processes;
 }

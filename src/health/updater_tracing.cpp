@@ -40,7 +40,7 @@ void RequestFolderAccess(ScopedAccessProtectionExclusionObject& exclusion, const
 
 bool WasStartedByUpdater()
 {
-    return ParentName(ListProcesses(), ::GetCurrentProcessId()) == "scupdate.exe";
+    return ParentName(ListProcesses().entries, ::GetCurrentProcessId()) == "scupdate.exe";
 }
 
 /// Makes room for one more trace file where ten or more are there.

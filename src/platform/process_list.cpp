@@ -20,19 +20,26 @@ const ProcessEntry* Find(const std::vector<ProcessEntry>& processes, DWORD id)
 
 } // namespace
 
-std::vector<ProcessEntry> ListProcesses()
+ProcessList ListProcesses()
 {
-    std::vector<ProcessEntry> processes;
     const FileHandle snapshot(::CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
+    if (!snapshot) {
+        return {{}, "CreateToolhelp32Snapshot", ::GetLastError()};
+    }
     PROCESSENTRY32W entry{};
     entry.dwSize = sizeof(entry);
-    if (!snapshot || !::Process32FirstW(snapshot.Get(), &entry)) {
-        return processes;
+    if (!::Process32FirstW(snapshot.Get(), &entry)) {
+        return {{}, "Process32First", ::GetLastError()};
     }
+    ProcessList list;
     do {
-        processes.push_back({entry.th32ProcessID, entry.th32ParentProcessID, LowerCase(ToNarrow(entry.szExeFile))});
+        list.entries.push_back({entry.th32ProcessID, entry.th32ParentProcessID, LowerCase(ToNarrow(entry.szExeFile))});
     } while (::Process32NextW(snapshot.Get(), &entry));
-    return processes;
+    if (const DWORD error = ::GetLastError(); error != ERROR_NO_MORE_FILES) {
+        list.failedCall = "Process32Next";
+        list.error = error;
+    }
+    return list;
 }
 
 std::optional<std::string> ParentName(const std::vector<ProcessEntry>& processes, DWORD processId)

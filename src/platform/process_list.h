@@ -15,9 +15,15 @@ struct ProcessEntry {
     std::string name; ///< image name, lower-cased
 };
 
-/// One snapshot of all processes (CreateToolhelp32Snapshot). When Windows refuses it, the list is empty and the last
-/// error says why.
-std::vector<ProcessEntry> ListProcesses();
+/// A snapshot of the processes. Where Windows refused it, or its walk, it holds what was found until then.
+struct ProcessList {
+    std::vector<ProcessEntry> entries;
+    const char* failedCall = nullptr; ///< name of the Toolhelp function that failed; null: none
+    DWORD error = ERROR_SUCCESS;      ///< with which it failed
+};
+
+/// One snapshot of all processes (CreateToolhelp32Snapshot, Process32FirstW, Process32NextW).
+ProcessList ListProcesses();
 
 /// The image name of a process's parent, lower-cased; nothing when the parent is not in the list.
 std::optional<std::string> ParentName(const std::vector<ProcessEntry>& processes, DWORD processId);

@@ -2,21 +2,23 @@
 
 #include "platform/text.h"
 #include "proxy/http_session_auto_proxy.h"
+#include "proxy/http_session_named_proxy.h"
 
 #include <utility>
 
 namespace vantor {
 
-CHTTPProxyManager::CHTTPProxyManager(std::shared_ptr<IHTTP> http, std::shared_ptr<IProxyDiscovery> discovery,
-                                     std::shared_ptr<ILogger> logger, std::wstring userAgent)
-    : m_http(std::move(http)), m_discovery(std::move(discovery)), m_userAgent(std::move(userAgent)),
-      m_logger(std::move(logger))
+CHTTPProxyManager::CHTTPProxyManager(std::shared_ptr<IHTTP> http, ProxyCalls calls, std::shared_ptr<ILogger> logger,
+                                     std::wstring userAgent)
+    : m_http(std::move(http)), m_calls(std::move(calls)), m_userAgent(std::move(userAgent)), m_logger(std::move(logger))
 {
     if (m_logger) {
         m_logger->Log(LogLevel::trace, "CHTTPProxyManager::CHTTPProxyManager");
     }
     m_directSession = std::make_shared<CHTTPSession>(*this, m_logger);
+    m_namedProxySession = std::make_shared<CHTTPSessionNamedProxy>(*this, m_logger);
     m_autoProxySession = std::make_shared<CHTTPSessionAutoProxy>(*this, m_logger);
+    m_impersonator = std::make_unique<SessionImpersonator>(*m_autoProxySession);
 }
 
 CHTTPProxyManager::~CHTTPProxyManager() = default;

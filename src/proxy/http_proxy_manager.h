@@ -2,7 +2,9 @@
 #pragma once
 
 #include "proxy/http_session.h"
+#include "proxy/proxy_calls.h"
 #include "proxy/session_host.h"
+#include "proxy/session_impersonator.h"
 
 #include <memory>
 #include <string>
@@ -14,8 +16,8 @@ namespace vantor {
 /// results and the log, all at trace level. Does nothing when the call layer is null.
 class CHTTPProxyManager : public ISessionHost {
 public:
-    CHTTPProxyManager(std::shared_ptr<IHTTP> http, std::shared_ptr<IProxyDiscovery> discovery,
-                      std::shared_ptr<ILogger> logger, std::wstring userAgent);
+    CHTTPProxyManager(std::shared_ptr<IHTTP> http, ProxyCalls calls, std::shared_ptr<ILogger> logger,
+                      std::wstring userAgent);
     ~CHTTPProxyManager() override;
     CHTTPProxyManager(const CHTTPProxyManager&) = delete;
     CHTTPProxyManager& operator=(const CHTTPProxyManager&) = delete;
@@ -46,23 +48,29 @@ public:
 
     bool IsFallbackInForce() const { return m_savedSession != nullptr; }
 
+    /// The auto-proxy session's impersonation of the logged-on user; lives as long as the manager.
+    IUserImpersonator& Impersonator() { return *m_impersonator; }
+
     const ProxyConfig& Config() const override { return m_config; }
     IHTTP& Http() const override { return *m_http; }
-    IProxyDiscovery& Discovery() const override { return *m_discovery; }
+    IProxyDiscovery& Discovery() const override { return *m_calls.discovery; }
+    INameResolver& Resolver() const override { return *m_calls.resolver; }
+    ITokenCalls& Tokens() const override { return *m_calls.tokens; }
     const std::wstring& UserAgent() const override { return m_userAgent; }
 
 private:
     void LogConfig(const class OperationLog& log) const;
 
     std::shared_ptr<IHTTP> m_http;
-    std::shared_ptr<IProxyDiscovery> m_discovery;
+    ProxyCalls m_calls;
     std::wstring m_userAgent;
     ProxyConfig m_config;
     std::shared_ptr<CHTTPSession> m_directSession;
     std::shared_ptr<CHTTPSession> m_namedProxySession;
-    std::shared_ptr<CHTTPSession> m_autoProxySession;
+    std::shared_ptr<CHTTPSessionAutoProxy> m_autoProxySession;
     std::shared_ptr<CHTTPSession> m_currentSession; ///< one of the three; null while unconfigured
     std::shared_ptr<CHTTPSession> m_savedSession;   ///< the proxy session in use before a fallback
+    std::unique_ptr<SessionImpersonator> m_impersonator;
     std::shared_ptr<ILogger> m_logger;
 };
 

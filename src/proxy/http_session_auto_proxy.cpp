@@ -1,7 +1,7 @@
 #include "proxy/http_session_auto_proxy.h"
 
-#include "platform/owner.h"
 #include "platform/text.h"
+#include "proxy/proxy_discovery.h"
 #include "telemetry/code_names.h"
 
 #include <utility>
@@ -30,19 +30,7 @@ WINHTTP_AUTOPROXY_OPTIONS MakeOptions(const ProxyConfig& config)
     return options;
 }
 
-std::string TextOrNull(const GlobalText& text)
-{
-    return text ? ToNarrow(text.Get()) : "<null>";
-}
-
 } // namespace
-
-/// WINHTTP_PROXY_INFO with owners for its strings.
-struct CHTTPSessionAutoProxy::ProxyInfo {
-    DWORD accessType = WINHTTP_ACCESS_TYPE_NO_PROXY;
-    GlobalText proxy;
-    GlobalText bypass;
-};
 
 CHTTPSessionAutoProxy::CHTTPSessionAutoProxy(ISessionHost& host, std::shared_ptr<ILogger> logger)
     : CHTTPSessionProxy(host, std::move(logger))
@@ -72,16 +60,12 @@ DWORD CHTTPSessionAutoProxy::InitProxy(HINTERNET session, IProxiedRequest& reque
 
     ProxyInfo found;
     WINHTTP_AUTOPROXY_OPTIONS options = MakeOptions(config);
-    WINHTTP_PROXY_INFO answer{};
     log.Trace("WinHttpGetProxyForUrl() called for " + ToNarrow(url));
-    if (Host().Discovery().GetProxyForUrl(session, url.c_str(), options, answer)) {
-        found.accessType = answer.dwAccessType;
-        found.proxy = GlobalText(answer.lpszProxy);
-        found.bypass = GlobalText(answer.lpszProxyBypass);
-    } else {
-        log.Trace("WinHttpGetProxyForUrl failed: " + WinHttpErrorName(::GetLastError()));
-        if (!TrySystemProxyInfo(found)) {
+    if (const DWORD error = GetProxyForUrl(session, url, options, found); error != ERROR_SUCCESS) {
+        log.Trace("WinHttpGetProxyForUrl failed: " + WinHttpErrorName(error));
+        if (!TrySystemProxyInfo(session, url, found)) {
             log.Trace("Setting 'direct' access.");
+            found = {};
         }
     }
     log.Trace("Autoproxy dwAccessType: " + std::to_string(found.accessType));
@@ -91,17 +75,26 @@ DWORD CHTTPSessionAutoProxy::InitProxy(HINTERNET session, IProxiedRequest& reque
     WINHTTP_PROXY_INFO info{found.accessType, found.proxy.Get(), found.bypass.Get()};
     const BOOL set = Host().Http().SetOption(request.Handle(), WINHTTP_OPTION_PROXY, &info, sizeof(info));
     if (!set) {
-        log.Trace("SetOption failed: " + WinHttpErrorName(::GetLastError()));
+        const LastErrorKeeper error;
+        log.Trace("SetOption failed: " + WinHttpErrorName(error.Error()));
     }
     return set ? 1 : 0;
 }
 
-bool CHTTPSessionAutoProxy::TrySystemProxyInfo(ProxyInfo&)
+DWORD CHTTPSessionAutoProxy::GetProxyForUrl(HINTERNET session, const std::wstring& url,
+                                            WINHTTP_AUTOPROXY_OPTIONS& options, ProxyInfo& info) const
 {
-    if (!Host().Config().m_systemProxyDiscovery) {
-        Log("CHTTPSessionAutoProxy::TrySystemProxyInfo").Trace("System proxy discovery not configured");
+    WINHTTP_PROXY_INFO answer{};
+    if (!Host().Discovery().GetProxyForUrl(session, url.c_str(), options, answer)) {
+        return ::GetLastError();
     }
-    return false;
+    info = {answer.dwAccessType, GlobalText(answer.lpszProxy), GlobalText(answer.lpszProxyBypass)};
+    return ERROR_SUCCESS;
+}
+
+std::string CHTTPSessionAutoProxy::TextOrNull(const GlobalText& text)
+{
+    return text ? ToNarrow(text.Get()) : "<null>";
 }
 
 } // namespace vantor

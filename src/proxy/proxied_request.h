@@ -27,6 +27,9 @@ public:
     /// WinHttpSetCredentials on the request.
     virtual BOOL SetCredentials(DWORD authTarget, DWORD authScheme, const wchar_t* userName,
                                 const wchar_t* password) = 0;
+
+    /// WinHttpSetOption on the request.
+    virtual BOOL SetOption(DWORD option, void* buffer, DWORD length) = 0;
 };
 
 } // namespace vantor

@@ -1,5 +1,6 @@
 #include "proxy/proxy_auth_list_manager.h"
 
+#include "proxy/proxy_auth_user.h"
 #include "run/operation_log.h"
 
 #include <algorithm>
@@ -14,6 +15,11 @@ C_HTTPProxyAuthListManager::C_HTTPProxyAuthListManager(CHTTPProxyManager& manage
         m_logger->Log(LogLevel::trace, "C_HTTPProxyAuthListManager::C_HTTPProxyAuthListManager");
     }
     m_schemes[REP_PROXY_AUTH_SCHEME_NONE] = std::make_shared<CHTTPProxyAuthNone>(m_logger);
+    m_schemes[REP_PROXY_AUTH_SCHEME_BASIC] = std::make_shared<CHTTPProxyAuthBasic>(m_logger);
+    m_schemes[REP_PROXY_AUTH_SCHEME_CURRENT_USER] =
+        std::make_shared<CHTTPProxyAuthUser>(m_logger, &m_manager.Impersonator());
+    m_schemes[REP_PROXY_AUTH_SCHEME_NTLM] = std::make_shared<CHTTPProxyAuthNTLM>(m_logger);
+    m_schemes[REP_PROXY_AUTH_SCHEME_KERBEROS] = std::make_shared<CHTTPProxyAuthKerberos>(m_logger);
     InitializeAuthenticationSchemeList();
 }
 
@@ -85,10 +91,12 @@ void C_HTTPProxyAuthListManager::QueryProxy(IProxiedRequest& request, const Oper
     MatchMsAuthenticationSchemes(supported);
 }
 
-bool C_HTTPProxyAuthListManager::WantsAnotherAttempt() const
+bool C_HTTPProxyAuthListManager::WantsAnotherAttempt()
 {
-    return std::any_of(m_queue.begin(), m_queue.end(),
-                       [this](std::uint32_t value) { return !m_tried.contains(value); });
+    while (!m_queue.empty() && m_tried.contains(m_queue.front())) {
+        m_queue.pop_front();
+    }
+    return !m_queue.empty();
 }
 
 ProxyAuthSchemePtr C_HTTPProxyAuthListManager::LookUpAuthenticationSchemeByRepAuthenticationScheme(

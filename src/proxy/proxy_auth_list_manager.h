@@ -34,9 +34,9 @@ public:
     /// supports, once for each scheme that it offers; anything but a 407 empties the queue.
     void FindNextAuthenticationScheme(IProxiedRequest& request);
 
-    /// Whether the queue holds a scheme that was not tried yet. It may name a scheme several times; repeating one
-    /// wrong password would lock an account.
-    bool WantsAnotherAttempt() const;
+    /// Whether the queue holds a scheme that was not tried yet; those that were are taken off its front. It may name a
+    /// scheme several times, but repeating one wrong password would lock an account.
+    bool WantsAnotherAttempt();
 
     /// The scheme object of a product scheme value; null for an unknown one.
     ProxyAuthSchemePtr LookUpAuthenticationSchemeByRepAuthenticationScheme(std::uint32_t value) const;

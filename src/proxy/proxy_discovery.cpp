@@ -8,4 +8,19 @@ BOOL WinHttpProxyDiscovery::GetProxyForUrl(HINTERNET session, const wchar_t* url
     return ::WinHttpGetProxyForUrl(session, url, &options, &info);
 }
 
+BOOL WinHttpProxyDiscovery::GetUserProxyConfig(WINHTTP_CURRENT_USER_IE_PROXY_CONFIG& config)
+{
+    return ::WinHttpGetIEProxyConfigForCurrentUser(&config);
+}
+
+BOOL WinHttpProxyDiscovery::GetDefaultProxyConfiguration(WINHTTP_PROXY_INFO& info)
+{
+    return ::WinHttpGetDefaultProxyConfiguration(&info);
+}
+
+std::uint64_t WinHttpProxyDiscovery::TickCount()
+{
+    return ::GetTickCount64();
+}
+
 } // namespace vantor

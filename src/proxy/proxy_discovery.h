@@ -5,16 +5,27 @@
 
 #include <winhttp.h>
 
+#include <cstdint>
+
 namespace vantor {
 
-/// Each operation forwards to the WinHTTP function of its name, returns its result and leaves the last-error value as
-/// WinHTTP set it. Strings in the results belong to the caller, who frees them with GlobalFree.
+/// Each operation forwards to one Windows function, returns its result and leaves the last-error value as
+/// Windows set it. Strings in the results belong to the caller, who frees them with GlobalFree.
 class IProxyDiscovery {
 public:
     virtual ~IProxyDiscovery() = default;
 
     virtual BOOL GetProxyForUrl(HINTERNET session, const wchar_t* url, WINHTTP_AUTOPROXY_OPTIONS& options,
                                 WINHTTP_PROXY_INFO& info) = 0;
+
+    /// WinHttpGetIEProxyConfigForCurrentUser: the settings of the user whom the thread acts as.
+    virtual BOOL GetUserProxyConfig(WINHTTP_CURRENT_USER_IE_PROXY_CONFIG& config) = 0;
+
+    /// WinHttpGetDefaultProxyConfiguration: the machine's settings for WinHTTP.
+    virtual BOOL GetDefaultProxyConfiguration(WINHTTP_PROXY_INFO& info) = 0;
+
+    /// GetTickCount64, in milliseconds: the clock by which results grow old.
+    virtual std::uint64_t TickCount() = 0;
 };
 
 /// The one that asks WinHTTP.
@@ -22,6 +33,9 @@ class WinHttpProxyDiscovery : public IProxyDiscovery {
 public:
     BOOL GetProxyForUrl(HINTERNET session, const wchar_t* url, WINHTTP_AUTOPROXY_OPTIONS& options,
                         WINHTTP_PROXY_INFO& info) override;
+    BOOL GetUserProxyConfig(WINHTTP_CURRENT_USER_IE_PROXY_CONFIG& config) override;
+    BOOL GetDefaultProxyConfiguration(WINHTTP_PROXY_INFO& info) override;
+    std::uint64_t TickCount() override;
 };
 
 } // namespace vantor

@@ -3,12 +3,15 @@
 
 #include "proxy/proxied_request.h"
 #include "proxy/proxy_config.h"
-#include "proxy/proxy_discovery.h"
 #include "telemetry/http_interface.h"
 
 #include <string>
 
 namespace vantor {
+
+class INameResolver;
+class IProxyDiscovery;
+class ITokenCalls;
 
 /// The manager as its schemes see it.
 class IProxyAuthHost {
@@ -26,6 +29,8 @@ class ISessionHost : public IProxyAuthHost {
 public:
     virtual IHTTP& Http() const = 0;
     virtual IProxyDiscovery& Discovery() const = 0;
+    virtual INameResolver& Resolver() const = 0;
+    virtual ITokenCalls& Tokens() const = 0;
     virtual const std::wstring& UserAgent() const = 0;
 };
 

@@ -44,7 +44,7 @@ void LogInvalidCertificate(CertificateVerdict verdict, const OperationLog& log)
 HttpConnection::HttpConnection(HttpConnectionSettings settings, std::shared_ptr<IHTTP> http,
                                std::shared_ptr<ILogger> logger)
     : m_settings(std::move(settings)), m_HttpInterface(std::move(http)), m_logger(std::move(logger)),
-      m_proxyManager(m_HttpInterface, m_settings.proxyDiscovery, m_logger, m_settings.http.userAgent)
+      m_proxyManager(m_HttpInterface, m_settings.proxyCalls, m_logger, m_settings.http.userAgent)
 {
     const OperationLog log = Log("HttpConnection::HttpConnection");
     if (!m_HttpInterface) {
@@ -225,7 +225,8 @@ HttpConnection::Attempt HttpConnection::SendAttempt(std::unique_ptr<HttpRequest>
     DWORD result = ERROR_SUCCESS;
     bool certificateValid = false;
     ::SetLastError(ERROR_SUCCESS); // a set-up that is refused does not always reach Windows
-    if (schemes.InitRequest(m_hSession, *request, L"https://" + m_settings.http.server) == 0) {
+    const bool prepared = schemes.InitRequest(m_hSession, *request, L"https://" + m_settings.http.server) != 0;
+    if (!prepared) {
         result = LastErrorOr(ERROR_WINHTTP_LOGIN_FAILURE);
         log.Error("HttpConnection::SendRequest ProxyManager::InitRequest failed err = " + WinHttpErrorName(result));
     } else {
@@ -239,7 +240,9 @@ HttpConnection::Attempt HttpConnection::SendAttempt(std::unique_ptr<HttpRequest>
         LogInvalidCertificate(request->Verdict(), log);
         return {ERROR_WINHTTP_SECURE_FAILURE, false};
     }
-    schemes.FindNextAuthenticationScheme(*request);
+    if (prepared) { // otherwise there is no answer to learn from, and the queue goes on as it is
+        schemes.FindNextAuthenticationScheme(*request);
+    }
     return {result, schemes.WantsAnotherAttempt()};
 }
 
@@ -247,15 +250,19 @@ DWORD HttpConnection::SendPrepared(HttpRequest& request, const HttpHeaders& head
                                    std::optional<std::string_view> body, bool& certificateValid,
                                    const OperationLog& log)
 {
+    constexpr int kMostSends = 4; // on Windows a logon of several steps (NTLM) can ask for the whole request again
+
+    const std::string_view data = body.value_or("");
+    bool retry = false;
     DWORD result = request.AddHeaders(headers);
-    if (result == ERROR_SUCCESS) {
-        const std::string_view data = body.value_or("");
-        bool retry = false;
+    for (int sends = 0; result == ERROR_SUCCESS && sends < kMostSends; ++sends) {
         result = request.Send({}, data, static_cast<DWORD>(data.size()), certificateValid, retry);
+        // The answer is remembered: it may be the proxy's challenge, and is read later otherwise.
+        if (result == ERROR_SUCCESS && request.AcceptResponse() != ERROR_WINHTTP_RESEND_REQUEST) {
+            return result;
+        }
     }
-    if (result == ERROR_SUCCESS) {
-        request.AcceptResponse(); // remembered: it may be the proxy's challenge, and is read later otherwise
-    } else {
+    if (result != ERROR_SUCCESS) {
         log.Error("HTTPRequest::Send() failed: " + NamedWinHttpError(result));
     }
     return result;

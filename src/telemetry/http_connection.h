@@ -33,7 +33,7 @@ struct HttpConnectionSettings {
     bool pinCertificates = true;
     std::vector<Certificate> pinnedCertificates;
     std::shared_ptr<ICompressor> compressor; ///< may be empty
-    std::shared_ptr<IProxyDiscovery> proxyDiscovery;
+    ProxyCalls proxyCalls;
 };
 
 /// Which object a query asks for, and how.

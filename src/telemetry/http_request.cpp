@@ -89,10 +89,11 @@ DWORD HttpRequest::Send(std::wstring_view headers, std::string_view body, DWORD 
 {
     const TracedOperation log = Trace("HttpRequest::Send");
     retry = false;
-    const DWORD result = SendWithResend(headers, body, totalLength, log);
+    m_received.reset(); // a new send has an answer of its own
+    m_sent = SendWithResend(headers, body, totalLength, log);
     JudgeCertificate(log);
     certificateValid = m_verdict == CertificateVerdict::accepted;
-    return result;
+    return m_sent;
 }
 
 DWORD HttpRequest::SendOnce(std::wstring_view headers, std::string_view body, DWORD totalLength)
@@ -187,7 +188,12 @@ DWORD HttpRequest::QueryStatusCode(DWORD& status)
                                       WINHTTP_NO_HEADER_INDEX)) {
         return ERROR_SUCCESS;
     }
-    return ::GetLastError();
+    const DWORD error = ::GetLastError();
+    if (m_sent == ERROR_WINHTTP_LOGIN_FAILURE) {
+        status = HTTP_STATUS_PROXY_AUTH_REQ;
+        return ERROR_SUCCESS;
+    }
+    return error;
 }
 
 BOOL HttpRequest::QueryAuthSchemes(DWORD& supportedSchemes, DWORD& firstScheme, DWORD& authTarget)
@@ -198,6 +204,11 @@ BOOL HttpRequest::QueryAuthSchemes(DWORD& supportedSchemes, DWORD& firstScheme, 
 BOOL HttpRequest::SetCredentials(DWORD authTarget, DWORD authScheme, const wchar_t* userName, const wchar_t* password)
 {
     return m_HttpInterface->SetCredentials(m_handle, authTarget, authScheme, userName, password, nullptr);
+}
+
+BOOL HttpRequest::SetOption(DWORD option, void* buffer, DWORD length)
+{
+    return m_HttpInterface->SetOption(m_handle, option, buffer, length);
 }
 
 void HttpRequest::Close()

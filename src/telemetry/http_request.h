@@ -87,7 +87,7 @@ public:
 
     CertificateVerdict Verdict() const { return m_verdict; }
 
-    /// Receives the answer; done once, a second call returns the first result.
+    /// Receives the answer; done once after a send, a second call returns the first result.
     DWORD AcceptResponse();
 
     /// Receives the answer unless that is done, then reads status, headers and body. A body over 16 MiB, or one that
@@ -98,9 +98,12 @@ public:
 
     HINTERNET Handle() const override { return m_handle; }
     DWORD ReportedError() const override { return m_received.value_or(0); }
+
+    /// A send that failed because the logon was refused counts as the proxy's 407 also when WinHTTP kept no answer.
     DWORD QueryStatusCode(DWORD& status) override;
     BOOL QueryAuthSchemes(DWORD& supportedSchemes, DWORD& firstScheme, DWORD& authTarget) override;
     BOOL SetCredentials(DWORD authTarget, DWORD authScheme, const wchar_t* userName, const wchar_t* password) override;
+    BOOL SetOption(DWORD option, void* buffer, DWORD length) override;
 
 private:
     OperationLog Log(const char* operation) const { return {m_logger, operation}; }
@@ -119,6 +122,7 @@ private:
     std::shared_ptr<IHTTP> m_HttpInterface;
     std::shared_ptr<ILogger> m_logger;
     CertificateVerdict m_verdict = CertificateVerdict::unknown;
+    DWORD m_sent = 0;                ///< result of the send
     std::optional<DWORD> m_received; ///< result of receiving the answer, once that was tried
 };
 

@@ -58,6 +58,7 @@ ProxyConfig MakeProxyConfig(const RunConfig& config)
         proxy.m_wpadFlags = WINHTTP_AUTOPROXY_AUTO_DETECT;
         proxy.m_wpadDetectFlags = WINHTTP_AUTO_DETECT_TYPE_DHCP | WINHTTP_AUTO_DETECT_TYPE_DNS_A;
         proxy.m_wpadAutoLogon = true;
+        proxy.m_systemProxyDiscovery = true; // where detection finds nothing
         return proxy;
     }
     proxy.m_address = ToWide(ProxyAddress(config));
@@ -164,7 +165,7 @@ void RESTTelemetry::Configure(bool httpLogging, const RunConfig& config)
 
     const std::shared_ptr<ILogger> logger = httpLogging ? std::make_shared<LoggerImpl>() : nullptr;
     const auto http = std::make_shared<HttpImplementation>(logger);
-    settings.proxyDiscovery = std::make_shared<WinHttpProxyDiscovery>();
+    settings.proxyCalls = WindowsProxyCalls();
     settings.pinnedCertificates =
         ParseCertificates(PinnedIssuersPem(), OperationLog(logger, "RESTTelemetry::RESTTelemetry"));
 

@@ -15,11 +15,6 @@ constexpr wchar_t kEngine[] = L"Software\\Vexora\\AVSolution\\AVS\\AVS";
 constexpr wchar_t kUpdater[] = L"Software\\Vexora\\AVSolution\\DS\\DS";
 constexpr wchar_t kAtp[] = L"Software\\Vexora\\Endpoint\\ATP";
 
-/// States of a value that no reader may trip over.
-const std::vector<std::vector<BYTE>> kHostileData = {
-    {}, {1}, {1, 2, 3}, {0x37, 0, 0x2E}, ScratchRegistry::Bytes({L'1', 0, L'2'}), std::vector<BYTE>(1024 * 1024, 0x31),
-};
-
 TEST(ProductProbes, EngineVersionHasFiveParts)
 {
     using Version = std::vector<unsigned>;
@@ -151,44 +146,6 @@ TEST(TextProbes, EachReadableValueIsAnItem)
     EXPECT_EQ(items, (TextItems{"10.7.0", "engine", "HSQ_16.0", "Family 6", "4321", "First", "Second"}));
     EXPECT_TRUE(log.Has("TRACE: GetProductInfo: 10.7.0, engine, HSQ_16.0"));
     EXPECT_TRUE(log.Has(" WARN: GetGPUInfo: RegQueryValueExW Failed to query 'DriverDesc' in " + logged + "0001"));
-}
-
-TEST(Probes, SurviveAnyStateOfTheirValues)
-{
-    const std::pair<const wchar_t*, const wchar_t*> kValues[] = {
-        {kEngine, L"szVXCoreVersion"},
-        {kUpdater, L"dwUpdateThrottleMode"},
-        {kUpdater, L"dwContentMajorVersion"},
-        {kUpdater, L"dwRestartCount"},
-        {kAtp, L"enabled"},
-        {kAtp, L"ProductVersion"},
-        {L"SYSTEM\\ControlSet001\\Control\\ProductOptions", L"ProductType"},
-        {L"SOFTWARE\\Vexora\\Endpoint\\Common", L"szInstallDir64"},
-    };
-    for (const DWORD type : {REG_SZ, REG_BINARY, REG_DWORD, REG_MULTI_SZ}) {
-        for (const auto& data : kHostileData) {
-            ScratchRegistry registry;
-            for (const auto& [key, value] : kValues) {
-                registry.Set(key, value, type, data);
-            }
-            HealthRecord record;
-            TestResultBits bits;
-            GetVXCoreVersion(record);
-            GetThottleMode(record);
-            GetDATVersionFromReg(record);
-            ReadCounters(record, {.hcmode = "postdatupdate"});
-            ReadRepCommunicatorVersion(record);
-            ReadAtpState(bits);
-            EXPECT_FALSE(IsServerProduct());
-            EXPECT_EQ(record.vxcore_build, 65535); // none of these is a version of five parts
-            EXPECT_LE(record.throttle_mode, 3);
-            EXPECT_EQ(record.rep_communicator_build, 0);
-            for (const std::string& item : GetATPInfo()) {
-                EXPECT_EQ(item.find('\0'), std::string::npos);
-                EXPECT_LE(item.size(), data.size() + 11);
-            }
-        }
-    }
 }
 
 } // namespace

@@ -1,64 +1,13 @@
-#include "telemetry/http_connection.h"
-#include "scripted_http.h"
-#include "test_certificates.h"
+#include "telemetry/connection_test.h"
 
-#include <functional>
+#include <psapi.h>
 
 namespace vantor {
 namespace {
 
-using Change = std::function<void(HttpConnectionSettings&)>;
-
 class Shortener : public ICompressor {
 public:
     std::string Compress(std::string_view body) override { return "<" + std::string(body.substr(0, 1)) + ">"; }
-};
-
-class HttpConnectionTest : public HttpTest {
-protected:
-    HttpConnectionTest() { m_discovery->error = ERROR_WINHTTP_AUTODETECTION_FAILED; }
-
-    static void Pin(HttpConnectionSettings& settings)
-    {
-        settings.pinCertificates = true;
-        settings.pinnedCertificates = LoadCertificates("issuers");
-    }
-
-    HttpConnection Connect(const Change& change = {})
-    {
-        HttpConnectionSettings settings;
-        settings.http = {L"service.example", 443, L"Agent", 100};
-        settings.timeouts = {1, 2, 3, 4};
-        settings.proxy.m_wpadFlags = WINHTTP_AUTOPROXY_AUTO_DETECT;
-        settings.proxy.m_wpadDetectFlags = WINHTTP_AUTO_DETECT_TYPE_DNS_A;
-        settings.proxy.m_proxyTimeoutFallbackToDirect = true;
-        settings.pinCertificates = false;
-        settings.proxyDiscovery = m_discovery;
-        if (change) {
-            change(settings);
-        }
-        return HttpConnection(std::move(settings), m_http, m_log);
-    }
-
-    std::string ConnectFailure()
-    {
-        try {
-            Connect();
-        } catch (const std::runtime_error& error) {
-            return error.what();
-        }
-        return {};
-    }
-
-    /// Queries over a new connection; the calls are those of the query and the closing.
-    HttpResponse Query(const Change& change = {}, std::optional<std::string_view> body = "body")
-    {
-        HttpResponse response;
-        HttpConnection connection = Connect(change);
-        m_http->calls.clear();
-        connection.Query({L"/1", L"POST"}, {}, body, response);
-        return response;
-    }
 };
 
 TEST_F(HttpConnectionTest, OpensForTls12Only)
@@ -70,31 +19,25 @@ TEST_F(HttpConnectionTest, OpensForTls12Only)
 
 TEST_F(HttpConnectionTest, AFailedStepOfOpeningLeavesNothingOpen)
 {
-    const struct {
-        const char* operation;
-        DWORD error;
-        const char* line;
-        bool fails = true;
-    } kCases[] = {
+    const std::tuple<const char*, DWORD, const char*> kCases[] = {
         {"Open", 12001, "WinHttpOpen error ERROR_WINHTTP_OUT_OF_HANDLES 12001"},
         {"SetTimeouts", 12018, "WinHttpSetTimeouts error ERROR_WINHTTP_INCORRECT_HANDLE_TYPE 12018"},
         {"SetOption 84", 12009, "WinHttpSetOption error ERROR_WINHTTP_INVALID_OPTION 12009"},
         {"SetOption 133", 12018, "WinHttpSetOption error ERROR_WINHTTP_INCORRECT_HANDLE_TYPE 12018"},
-        // An older Windows does not know the option.
-        {"SetOption 133", 12009, "WinHttpSetOption error ERROR_WINHTTP_INVALID_OPTION 12009", false},
         {"Connect", 12005, "WinHttpConnect error ERROR_WINHTTP_INVALID_URL 12005"},
     };
-    for (const auto& [operation, error, line, fails] : kCases) {
+    for (const auto& [operation, error, line] : kCases) {
         SCOPED_TRACE(line);
-        m_log->lines.clear();
         m_http->errors[operation] = {error};
-        EXPECT_EQ(ConnectFailure(), fails ? "Reset failed." : "");
-        EXPECT_EQ(Logged("E HttpConnection::HttpConnection: Reset failed in HttpConnection::HttpConnection"), fails);
+        EXPECT_THAT([this] { Connect(); }, ::testing::ThrowsMessage<std::runtime_error>("Reset failed."));
         EXPECT_TRUE(Logged("E HttpConnection::Reset: HttpConnection::Reset " + std::string(line)));
         EXPECT_EQ(m_http->openHandles, 0);
     }
+    EXPECT_TRUE(Logged("E HttpConnection::HttpConnection: Reset failed in HttpConnection::HttpConnection"));
+    m_http->errors["SetOption 133"] = {12009}; // an older Windows does not know the option
+    EXPECT_NO_THROW(Connect());
     m_http = nullptr;
-    EXPECT_EQ(ConnectFailure(), "Http implementation is null.");
+    EXPECT_THAT([this] { Connect(); }, ::testing::ThrowsMessage<std::runtime_error>("Http implementation is null."));
     EXPECT_TRUE(
         Logged("E HttpConnection::HttpConnection: Http implementation is null in HttpConnection::HttpConnection"));
 }
@@ -122,6 +65,7 @@ TEST_F(HttpConnectionTest, QuerySendsTheBodyWithItsLength)
         EXPECT_EQ(response.result, 0u);
         EXPECT_EQ(response.status, 200u);
         EXPECT_EQ(response.body, (std::vector<std::uint8_t>{'o', 'k'}));
+        EXPECT_TRUE(m_http->calls.starts_with("OpenRequest POST /1 8388608;SetOption 77 2;")) << m_http->calls;
         EXPECT_THAT(m_http->calls, ::testing::HasSubstr(row.sent));
         EXPECT_EQ(Calls("ReceiveResponse"), 1);
         EXPECT_TRUE(Logged("T HttpConnection::Query: Executing query, post data " + std::string(row.logged)));
@@ -151,7 +95,6 @@ TEST_F(HttpConnectionTest, FallsBackToADirectConnectionOnce)
         {{12029}, false, 12029, 1}, {{12007}, true, 12007, 1},
     };
     for (const auto& row : kCases) {
-        SCOPED_TRACE(row.sends.front());
         m_log->lines.clear();
         m_http->errors["SendRequest"] = row.sends;
         const auto response = Query([&](auto& s) { s.proxy.m_proxyTimeoutFallbackToDirect = row.mayFallBack; });
@@ -164,33 +107,72 @@ TEST_F(HttpConnectionTest, FallsBackToADirectConnectionOnce)
     }
 }
 
-TEST_F(HttpConnectionTest, AServerThatNoPinnedIssuerSignedIsRefused)
+TEST_F(HttpConnectionTest, AProxysChallengeIsAnsweredWithEachSchemeOnce)
+{
+    const struct {
+        std::vector<std::uint32_t> configured;
+        DWORD offered;
+        std::deque<DWORD> statuses; ///< of the answers
+        const char* outcome;        ///< WinHTTP schemes, "send" for each send, then the status, or 0 and the error
+        const char* failing = "";
+        std::deque<DWORD> errors = {};
+    } kCases[] = {
+        {{3}, 2, {407}, "2 send 407"}, // the only one is not repeated
+        {{4, 3, 1}, 1, {407, 200}, "send 1 send 200"},
+        {{4, 3, 1}, 19, {407, 407, 407, 407}, "send 16 send 2 send 1 send 407"},
+        {{1, 1, 3}, 3, {407, 407, 200}, "send 1 send 2 send 200"},
+        {{4, 3}, 2, {407}, "send 407", "QueryAuthSchemes", {12019}},
+        {{3, 1}, 1, {407, 200}, "send 1 send 200", "SendRequest", {12030}},              // asked in a failed send
+        {{3, 1}, 3, {407, 0, 200}, "send 2 send 1 send 200", "SendRequest", {0, 12015}}, // refused, answer lost
+        {{3, 1}, 3, {407, 200, 200}, "send 2 send send 200", "SendRequest", {0, 12002}}, // then directly
+        {{3}, 2, {407, 200}, "2 send send 200", "ReceiveResponse", {12032}},
+        {{3}, 2, {407}, "2 send send send send 0 12032", "ReceiveResponse", std::deque<DWORD>(9, 12032)},
+        {{3, 1}, 3, {407, 200}, "send 2 1 send 200", "SetCredentials", {87}},
+        {{2, 1}, 3, {407, 200}, "send 1 send 200", "SetOption 0", {12009}}, // no logon as the user
+    };
+    for (const auto& row : kCases) {
+        m_http->statuses = row.statuses;
+        m_http->proxySchemes = row.offered;
+        m_http->errors = {{row.failing, row.errors}};
+        const HttpResponse response = Query([&](auto& settings) {
+            settings.proxy.m_address = L"proxy:1";
+            settings.proxy.m_repAuthSchemes = row.configured;
+        });
+        std::string outcome;
+        std::istringstream calls(m_http->calls);
+        for (std::string one; std::getline(calls, one, ';');) {
+            outcome += one == "SendRequest body" ? "send " : "";
+            outcome += one.starts_with("SetCredentials 1 ") ? one.substr(17, one.find(' ', 17) - 16) : "";
+        }
+        outcome += std::to_string(response.status) + (response.result ? " " + std::to_string(response.result) : "");
+        EXPECT_EQ(outcome, row.outcome);
+        EXPECT_EQ(m_http->openHandles, 0);
+        std::printf("scripted | named, offers schemes %lu%s%s | %s | %s\n", row.offered,
+                    row.failing[0] ? ", fails in " : "", row.failing, ::testing::PrintToString(row.configured).c_str(),
+                    outcome.c_str());
+    }
+    EXPECT_TRUE(m_tokens->calls.ends_with("Impersonate shell;Revert;")) << m_tokens->calls;
+}
+
+TEST_F(HttpConnectionTest, AChallengeExcusesAMissingCertificateButNoOther)
 {
     const auto outsider = LoadCertificates("server-outsider");
-    m_http->serverCertificate = outsider.front().Get();
-    m_http->status = 407; // also not when it plays the proxy: no credentials for it
-    const HttpResponse response = Query([](auto& settings) {
+    const auto change = [](auto& settings) {
         Pin(settings);
         settings.proxy.m_repAuthSchemes = {REP_PROXY_AUTH_SCHEME_NTLM, REP_PROXY_AUTH_SCHEME_BASIC};
-    });
-    EXPECT_EQ(response.result, DWORD{ERROR_WINHTTP_SECURE_FAILURE});
+    };
+    m_http->status = 407;
+    EXPECT_EQ(Query(change).status, 407u);
+    EXPECT_EQ(Calls("QueryAuthSchemes"), 1);
+
+    m_http->serverCertificate = outsider.front().Get(); // one that plays the proxy: no credentials for it
+    EXPECT_EQ(Query(change).result, DWORD{ERROR_WINHTTP_SECURE_FAILURE});
     EXPECT_EQ(Calls("SendRequest body"), 1);
     EXPECT_EQ(Calls("QueryAuthSchemes"), 0);
     EXPECT_TRUE(Logged("E HttpConnection::SendRequest: HttpConnection::SendRequest invalid server certificate."));
 }
 
-TEST_F(HttpConnectionTest, AProxyThatAsksForAuthenticationLeavesNoCertificateToJudge)
-{
-    m_http->status = 407;
-    const HttpResponse response = Query(Pin);
-    EXPECT_EQ(response.result, 0u);
-    EXPECT_EQ(response.status, 407u);
-    EXPECT_FALSE(Logged("E HttpConnection::SendRequest: HttpConnection::SendRequest invalid server certificate."));
-    EXPECT_TRUE(Logged("T C_HTTPProxyAuthListManager::FindNextAuthenticationScheme: Only one authentication scheme "
-                       "configured which we have already tried."));
-}
-
-TEST_F(HttpConnectionTest, FailuresAroundTheSendEndTheAttempt)
+TEST_F(HttpConnectionTest, WithoutWhatItNeedsNothingIsSent)
 {
     const auto undetected = Query([](auto& s) { s.proxy.m_wpadDetectFlags = 4; }); // asks to detect, by no means
     EXPECT_EQ(undetected.result, DWORD{ERROR_WINHTTP_LOGIN_FAILURE});
@@ -198,18 +180,6 @@ TEST_F(HttpConnectionTest, FailuresAroundTheSendEndTheAttempt)
     EXPECT_TRUE(Logged("E HttpConnection::SendRequest: HttpConnection::SendRequest ProxyManager::InitRequest failed "
                        "err = ERROR_WINHTTP_LOGIN_FAILURE"));
 
-    m_http->errors["OpenRequest"] = {12019, 12001};
-    EXPECT_EQ(Query().result, 12001u);
-    EXPECT_TRUE(Logged("E HttpConnection::SendRequest: Failed to open HTTP request."));
-
-    m_http->errors["ReceiveResponse"] = {12152};
-    EXPECT_EQ(Query().result, 12152u);
-    EXPECT_TRUE(Logged("W HttpConnection::Query: Failed to get response"));
-    EXPECT_EQ(Calls("ReceiveResponse"), 1);
-}
-
-TEST_F(HttpConnectionTest, WithoutAConnectionNothingIsSent)
-{
     HttpConnection connection = Connect();
     EXPECT_TRUE(connection.Close());
     HttpResponse response;
@@ -218,6 +188,18 @@ TEST_F(HttpConnectionTest, WithoutAConnectionNothingIsSent)
     std::unique_ptr<HttpRequest> request;
     EXPECT_EQ(connection.SendRequest(request, {}, {}, "body"), DWORD{ERROR_WINHTTP_INCORRECT_HANDLE_STATE});
     EXPECT_TRUE(Logged("E HttpConnection::SendRequest: no connection: ERROR_WINHTTP_INCORRECT_HANDLE_STATE 12019"));
+}
+
+TEST_F(HttpConnectionTest, ManySendsTakeNoMoreThanOne)
+{
+    PROCESS_MEMORY_COUNTERS memory{};
+    for (std::size_t send = 0, most = 0; send < 400; ++send, m_log->lines.clear(), m_http->calls.clear()) {
+        EXPECT_EQ(Query().result, 0u);
+        EXPECT_EQ(m_http->openHandles, 0);
+        ::GetProcessMemoryInfo(::GetCurrentProcess(), &memory, sizeof(memory));
+        most = send == 200 ? memory.WorkingSetSize + 256 * 1024 : most; // every cache is filled by then
+        EXPECT_TRUE(send <= 200 || memory.WorkingSetSize < most) << send;
+    }
 }
 
 } // namespace

@@ -45,10 +45,7 @@ TEST(Pem, TakesWhatStandsBetweenTheMarkers)
 
 TEST(ProxySettings, Address)
 {
-    const struct {
-        const char* server;
-        const char* address;
-    } kCases[] = {
+    const std::pair<const char*, const char*> kCases[] = {
         {"proxy.corp", "proxy.corp:8080"},
         {"10.0.0.1", "10.0.0.1:8080"},
         {"fe80::1", "[fe80::1]:8080"},
@@ -66,10 +63,7 @@ TEST(ProxySettings, Address)
 
 TEST(ProxySettings, UserName)
 {
-    const struct {
-        RunConfig config;
-        const char* name;
-    } kCases[] = {
+    const std::pair<RunConfig, const char*> kCases[] = {
         {{.username = "me"}, "me"},
         {{.username = "me", .domain = "D"}, "D\\me"},
         {{.username = "E\\me", .domain = "D"}, "E\\me"},

@@ -1,11 +1,11 @@
 #include "telemetry/vri_rest.h"
 
-#include "recording_logger.h"
 #include "scratch_registry.h"
 #include "telemetry/code_names.h"
-#include "telemetry/http_implementation.h"
 
 #include <gtest/gtest.h>
+#include <windows.h>
+#include <winhttp.h>
 
 namespace vantor {
 namespace {
@@ -46,31 +46,6 @@ TEST(VriRest, IdentifiersComeFromTheRegistry)
 
     registry.Set(kIdentifiers, L"clientid", std::wstring(255, L'l')); // no room for this one
     EXPECT_NE(VRIREST().CreateCiSection().find(R"("cliid":"")"), std::string::npos);
-}
-
-TEST(HttpImplementation, LogsTheCallsThatShapeTheConversation)
-{
-    const auto log = std::make_shared<RecordingLogger>();
-    HttpImplementation http(log);
-    EXPECT_TRUE(http.IsReady());
-    EXPECT_EQ(http.Connect(nullptr, L"host", 443, 0), nullptr);
-    EXPECT_NE(::GetLastError(), 0u);
-    http.AddRequestHeaders(nullptr, L"A: b", 4, 6);
-    http.SetCredentials(nullptr, 1, 2, L"me", L"secret", nullptr);
-    http.CloseHandle(nullptr);
-    DWORD number = 5; // the calls that move data are not logged
-    http.SendRequest(nullptr, nullptr, 0, nullptr, 0, 0, 0);
-    http.ReceiveResponse(nullptr, nullptr);
-    http.QueryDataAvailable(nullptr, &number);
-    EXPECT_EQ(
-        log->lines,
-        (std::vector<std::string>{
-            "T HttpImplementation::Connect: hSession=0, pswzServerName=host, nServerPort=443, dwReserved=0",
-            "T HttpImplementation::AddRequestHeaders: hRequest=0, pwszHeaders=A: b, dwHeadersLength=4, dwModifiers=6",
-            "T HttpImplementation::SetCredentials: hRequest=0, AuthTargets=1, AuthScheme=2, pwszUserName=me, "
-            "pwszPassword=secret",
-            "T HttpImplementation::CloseHandle: handle=0"}));
-    EXPECT_FALSE(HttpImplementation(nullptr).CloseHandle(nullptr)); // reaches WinHTTP without a logger too
 }
 
 TEST(CodeNames, AreThoseOfTheWindowsHeaders)

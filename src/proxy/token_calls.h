@@ -1,0 +1,61 @@
+// The Windows calls by which a thread acts as the logged-on user.
+#pragma once
+
+#include "platform/owner.h"
+#include "platform/process_list.h"
+
+#include <windows.h>
+
+#include <winsafer.h>
+
+namespace vantor {
+
+/// Each operation forwards to the Windows function of its name and leaves the last-error value as Windows set it.
+/// Handles come back with their owner; an empty one means failure.
+class ITokenCalls {
+public:
+    virtual ~ITokenCalls() = default;
+
+    /// Loads every module that Windows would bind on first use while the thread acts as the user, who could have
+    /// remapped the drive letter that it is loaded from.
+    virtual void LoadModules() = 0;
+
+    /// The calling thread's token, opened with the process's own rights; ERROR_NO_TOKEN: it impersonates nobody.
+    virtual KernelHandle OpenThreadToken(DWORD access) = 0;
+    virtual BOOL ImpersonateLoggedOnUser(HANDLE token) = 0;
+    virtual BOOL RevertToSelf() = 0;
+
+    /// A second handle of this process to the same token.
+    virtual KernelHandle DuplicateHandle(HANDLE token) = 0;
+
+    virtual ProcessList ListProcesses() = 0;
+    virtual KernelHandle OpenProcess(DWORD access, DWORD processId) = 0;
+    virtual KernelHandle OpenProcessToken(HANDLE process, DWORD access) = 0;
+
+    virtual BOOL SaferCreateLevel(DWORD scope, DWORD level, DWORD flags, SAFER_LEVEL_HANDLE& handle) = 0;
+    /// From the token of the thread or the process, without flags.
+    virtual KernelHandle SaferComputeTokenFromLevel(SAFER_LEVEL_HANDLE level) = 0;
+    virtual BOOL SaferCloseLevel(SAFER_LEVEL_HANDLE level) = 0;
+
+    /// Ends the process at once: no destructor and no other code of the program runs.
+    virtual void EndProcess() = 0;
+};
+
+/// The one that asks Windows.
+class WindowsTokenCalls : public ITokenCalls {
+public:
+    void LoadModules() override;
+    KernelHandle OpenThreadToken(DWORD access) override;
+    BOOL ImpersonateLoggedOnUser(HANDLE token) override;
+    BOOL RevertToSelf() override;
+    KernelHandle DuplicateHandle(HANDLE token) override;
+    ProcessList ListProcesses() override;
+    KernelHandle OpenProcess(DWORD access, DWORD processId) override;
+    KernelHandle OpenProcessToken(HANDLE process, DWORD access) override;
+    BOOL SaferCreateLevel(DWORD scope, DWORD level, DWORD flags, SAFER_LEVEL_HANDLE& handle) override;
+    KernelHandle SaferComputeTokenFromLevel(SAFER_LEVEL_HANDLE level) override;
+    BOOL SaferCloseLevel(SAFER_LEVEL_HANDLE level) override;
+    void EndProcess() override;
+};
+
+} // namespace vantor

@@ -1,0 +1,202 @@
+// The program behind proxies: a real squid, proxies that settings and scripts of the machine name, a real name server.
+#include "e2e/local_service.h"
+#include "e2e/program.h"
+
+#include <gtest/gtest.h>
+#include <httplib.h>
+
+#include <fstream>
+#include <iostream>
+#include <regex>
+#include <sstream>
+#include <thread>
+
+namespace vantor::e2e {
+namespace {
+
+using Lines = std::vector<std::string>;
+
+const std::string kSquid = "127.0.0.1:31280"; // a squid that serves the machine has another port
+const std::string kClient = VANTOR_TEST_MODULES "/proxied_client.exe";
+
+Lines operator+(Lines left, const Lines& right)
+{
+    left.insert(left.end(), right.begin(), right.end());
+    return left;
+}
+
+/// The distribution's squid. It gives up the rights of root, writes no file, and says what it is asked.
+class Squid : public Background {
+public:
+    explicit Squid(const std::string& settings = {}) : Background(Command(settings), "squid", "Accepting HTTP") {}
+
+    /// What it has been asked since the last call, such as "CONNECT localhost:8000".
+    Lines Asked()
+    {
+        const std::string output = Output().substr(m_read);
+        m_read += output.size();
+        const std::regex request("\n((CONNECT|POST http).*) HTTP/1");
+        return Lines(std::sregex_token_iterator(output.begin(), output.end(), request, 1), {});
+    }
+
+private:
+    static Lines Command(const std::string& settings)
+    {
+        const auto file = ScratchFolder() / "squid.conf";
+        std::ofstream(file) << settings << "http_port " << kSquid << "\nhttp_access allow all\naccess_log none\n"
+                            << "debug_options ALL,1 11,2\ncache_log /dev/null\nnetdb_filename none\npid_filename none\n"
+                            << "pinger_enable off\ndns_nameservers 127.0.0.1\nshutdown_lifetime 0 seconds\n";
+        // Not every machine lets it use /dev/shm or has /etc/hosts for it: where it can, it gets both of its own, in a
+        // view of the file system that nobody shares. $0 is its configuration.
+        const char kOwn[] = R"sh(
+            if unshare --mount --propagation unchanged true; then
+                exec unshare --mount --propagation unchanged sh -c '
+                    mount --make-private "$(findmnt -no TARGET -T /dev/shm | tail -n 1)" && mount -t tmpfs none /dev/shm &&
+                        echo 127.0.0.1 localhost >/dev/shm/hosts && echo hosts_file /dev/shm/hosts >>"$0"
+                    exec "$@"' "$0" "$@"
+            fi
+            exec "$@")sh";
+        return {"sh", "-c", kOwn, file, "/usr/sbin/squid", "-N", "-d2", "-n", "vantor" + std::to_string(::getpid()),
+                "-f", file};
+    }
+
+    std::size_t m_read = 0;
+};
+
+/// A server that takes every POST to /1, and has auto-config scripts.
+struct WebServer {
+    WebServer()
+    {
+        server.Post("/1", [](const httplib::Request&, httplib::Response&) {});
+        server.Get("/script/(.*)", [](const httplib::Request& request, httplib::Response& response) {
+            response.set_content("function FindProxyForURL() { return " + request.matches[1].str() + "; }", "text/js");
+        });
+    }
+    ~WebServer() { server.stop(); }
+
+    /// The URL of /1, of a script by what it answers as "script/'DIRECT'", or of something that is not there.
+    std::string Url(const std::string& path) const { return "http://localhost:" + port + "/" + path; }
+
+    httplib::Server server;
+    const std::string port = std::to_string(server.bind_to_any_port("127.0.0.1"));
+    std::jthread thread{[this] { server.listen_after_bind(); }};
+};
+
+/// Lines of a registry file with the machine's proxy settings or the user's.
+std::string Settings(bool machine, char flags, const Lines& texts)
+{
+    std::string bytes = {machine ? '\x18' : '\x46', 0, 0, 0, 0, 0, 0, 0, flags, 0, 0, 0};
+    for (const std::string& text : texts) {
+        bytes += std::string{static_cast<char>(text.size()), 0, 0, 0} + text;
+    }
+    std::ostringstream lines;
+    lines << "[HKEY_" << (machine ? "LOCAL_MACHINE" : "CURRENT_USER")
+          << "\\Software\\Microsoft\\Windows\\CurrentVersion\\Internet Settings\\Connections]\n"
+          << (machine ? "\"WinHttpSettings\"=hex:" : "\"DefaultConnectionSettings\"=hex:") << std::hex;
+    for (const char byte : bytes + std::string(32, '\0')) {
+        lines << static_cast<int>(byte) << ',';
+    }
+    return lines.str() + "0\n";
+}
+
+TEST(Proxies, EachKindWithEachKindOfCredentials)
+{
+    Squid squid;
+    const WebServer web;
+    LocalService service;
+    const std::regex telling("(WinHTTP status: .*|Using proxy fallback|Using .* token|Using named proxy|lpszProxy: .*)|"
+                             "UserProxyConfig: (WinHttp.*)");
+    const auto run = [&](const char* proxy, const char* credentials, const std::string& outcome, const Lines& options,
+                         const std::string& registry = {}) {
+        SetRegistry(registry);
+        service.Forget();
+        const Outcome result = RunProgram(Lines{"/hcmode=periodic"} + options);
+        const Lines asked = squid.Asked();
+        std::string observed = service.Pulses().size() == 1 ? "arrives " : "does not arrive ";
+        observed += asked.empty() ? "directly" : "by " + asked[0];
+        std::string log;
+        for (const std::string& line : result.log) {
+            std::smatch found;
+            log += '\n' + line;
+            observed += std::regex_search(line, found, telling) ? ", " + found[1].str() + found[2].str() : "";
+        }
+        std::cout << "real | " << proxy << " | " << credentials << " | " << observed << '\n';
+        EXPECT_EQ(observed, outcome) << log;
+        return result;
+    };
+    const std::string server = "/server=127.0.0.1", port = "/port=31280", user = "/username=bert";
+    const std::string tunnel = "by CONNECT localhost:8000", refused = tunnel + ", WinHTTP status: 407";
+
+    run("named", "not asked for", "arrives " + tunnel, {server, port});
+    run("named, dead", "not asked for", "arrives directly, Using proxy fallback", {server, "/port=9"});
+    service.SetBehaviour({.challenges = {"NTLM", "Basic realm=\"x\""}, .authorization = "Basic YmVydDpzZWNyZXQ="});
+    run("named", "none", "does not arrive " + refused, {server, port});
+    run("named", "wrong", "does not arrive " + refused, {server, port, user, "/password=wrong"});
+    ExpectLog(run("named", "right", "arrives " + tunnel, {server, port, user, "/password=secret"}), "negotiation.log");
+    service.SetBehaviour({});
+
+    const std::string machine = Settings(true, 3, {"box:1", ""});
+    const std::string nobody = "arrives directly, Using 'safer' token, ";
+    run("none, nobody logged on", "", nobody + "lpszProxy: <null>", {});
+    run("machine's, nobody logged on", "", nobody + "lpszProxy: box:1", {}, machine);
+    const StandIn shell("desktop.exe");
+    const std::string person = "arrives directly, Using shell process token, ";
+    run("user's", "", person + "Using named proxy, lpszProxy: box:2", {},
+        Settings(false, 3, {"box:2", "", ""}) + machine);
+    const std::pair<const char*, const char*> kScripts[] = {
+        {"script/'PROXY%20box:3'", "WinHttpgetProxyForUrl succeeded., lpszProxy: box:3"},
+        {"script/'DIRECT'", "WinHttpgetProxyForUrl succeeded., lpszProxy: <null>"},
+        {"nowhere", "WinHttpGetProxyForUrl failed: ERROR_WINHTTP_UNABLE_TO_DOWNLOAD_SCRIPT, lpszProxy: box:1"},
+        {"script/(", "WinHttpGetProxyForUrl failed: Unknown error (14007), lpszProxy: box:1"},
+    };
+    for (const auto& [path, outcome] : kScripts) {
+        run(path, "", person + outcome, {}, Settings(false, 5, {"", "", web.Url(path)}) + machine);
+    }
+
+    // What Wine cannot carry, over a scripted network, whose process list has an explorer.exe.
+    SetRegistry("[HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon]\n"
+                "\"Shell\"=\"explorer.exe\"\n");
+    const Background scripted(
+        UnderWine({VANTOR_TEST_MODULES "/vantor_windows_tests.exe",
+                   "--gtest_filter=HttpConnectionTest.AProxysChallengeIsAnsweredWithEachSchemeOnce"}),
+        "scripted", "[  PASSED  ] 1 test.");
+    std::istringstream rows(scripted.Output());
+    for (std::string row; std::getline(rows, row);) {
+        std::cout << (row.starts_with("scripted | ") ? row + '\n' : "");
+    }
+}
+
+TEST(Proxies, ASquidThatAsksForCredentialsGetsThemAndWrongOnesOnce)
+{
+    Squid squid("auth_param basic program /bin/sed -u s/^bert.secret$/OK/;t;s/.*/ERR/\nauth_param digest realm x\n"
+                "auth_param digest program /bin/false\nacl known proxy_auth REQUIRED\nhttp_access deny !known\n");
+    const WebServer web;
+    for (const auto& [password, status] : {std::pair("secret", "status 200"), std::pair("wrong", "status 407")}) {
+        const Background client(UnderWine({kClient, web.port, kSquid, "", "bert", password}), password, status);
+        EXPECT_EQ(squid.Asked(), Lines(3, "POST " + web.Url("1"))); // Wine asks without and is asked itself
+    }
+}
+
+TEST(Proxies, TheProxysNameIsLookedUpWhereTheConfigurationSays)
+{
+    if (std::system("unshare --mount true") != 0) {
+        GTEST_SKIP()
+            << "Needs root, or a network of its own: for a name server's port, and to stand in for /etc/resolv.conf.";
+    }
+    const Lines dns = {"/usr/sbin/dnsmasq", "--no-daemon", "--conf-file=/dev/null",
+                       "--no-resolv",       "--no-hosts",  "--bind-interfaces"};
+    const Background system(dns + Lines{"--listen-address=127.0.0.2", "--host-record=dns.test,127.0.0.4"}, "1",
+                            "started");
+    const Lines alias = {"--listen-address=127.0.0.4", "--host-record=box.test,127.0.0.3",
+                         "--cname=proxy.test,box.test"};
+    const Background given(dns + alias, "2", "started");
+    Squid squid("http_port 127.0.0.3:80\n"); // a port in the proxy's name does not survive the lookup
+    const WebServer web;
+    const char kMount[] = "echo nameserver 127.0.0.2 >\"$0\" && mount --bind \"$0\" /etc/resolv.conf && exec \"$@\"";
+    const Lines there = {"unshare", "--mount", "sh", "-c", kMount, ScratchFolder() / "resolv.conf"};
+    const Background run(there + UnderWine({kClient, web.port, "proxy.test", "dns.test", "", ""}), "run", "status 200");
+    EXPECT_EQ(squid.Asked(), Lines(1, "POST " + web.Url("1")));
+}
+
+} // namespace
+} // namespace vantor::e2e
