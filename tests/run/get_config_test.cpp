@@ -1,42 +1,23 @@
 #include "run/get_config.h"
 
-#include "platform/program.h"
 #include "run/brand.h"
 #include "run/ipv6_preference.h"
 #include "scratch_registry.h"
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
-
 namespace vantor {
 namespace {
 
 constexpr wchar_t kLogPathKey[] = L"Software\\Vexora\\AVSolution\\DS\\DS";
 
-/// The log path for these arguments behind the program's.
-std::string LogPath(std::vector<const char*> arguments = {})
+std::string LogPath()
 {
-    arguments.insert(arguments.begin(), "vantor.exe");
+    const char* const arguments[] = {"vantor.exe"};
     RunConfig config{.verbose = true}; // GetConfig starts from the defaults
-    GetConfig(config, static_cast<int>(arguments.size()), arguments.data());
+    GetConfig(config, 1, arguments);
     EXPECT_FALSE(config.verbose);
     return config.logFile;
-}
-
-TEST(GetConfig, TheLogPathComesFromSideFileThenRegistryThenArgument)
-{
-    ScratchRegistry registry;
-    EXPECT_EQ(LogPath(), "");
-    const auto sideFile = std::filesystem::path(*ProgramPath()).replace_extension(L".txt");
-    std::ofstream(sideFile, std::ios::binary)
-        << "#/logfile=no\r\n/logfile=C:\\first.log\r\n/LOGFILE=no\n/logfile=C:\\side file.log\r\nend";
-    EXPECT_EQ(LogPath(), "C:\\side file.log");
-    registry.Set(kLogPathKey, L"szVanTORLog", L"C:\\registry.log");
-    EXPECT_EQ(LogPath(), "C:\\registry.log");
-    EXPECT_EQ(LogPath({"/logfile=C:\\argument.log"}), "C:\\argument.log");
-    std::filesystem::remove(sideFile);
 }
 
 TEST(GetConfig, AnyStateOfTheRegistryValueGivesAPathOrNone)

@@ -1,6 +1,5 @@
 #include "run/log_line.h"
 #include "recording_logger.h"
-#include "run/operation_log.h"
 #include "run/post_update_delay.h"
 
 #include <gtest/gtest.h>
@@ -18,18 +17,6 @@ TEST(LogLine, TimeLevelAndMessage)
     EXPECT_EQ(FormatLogLine(time, LogLevel::error, ""), "05/02/28 23:04:09: ERROR: \r\n");
     EXPECT_EQ(LevelPrefix(static_cast<LogLevel>(0)), "ERROR: ");
     EXPECT_EQ(LevelPrefix(static_cast<LogLevel>(4)), "ERROR: ");
-}
-
-TEST(OperationLog, LinesBearTheOperationAndTracesBracketIt)
-{
-    const auto logger = std::make_shared<RecordingLogger>();
-    {
-        const TracedOperation log(logger, "Some::Operation");
-        log.Warning("careful");
-    }
-    EXPECT_EQ(logger->lines, (std::vector<std::string>{"T Enter: Some::Operation", "W Some::Operation: careful",
-                                                       "T Exit : Some::Operation"}));
-    OperationLog(nullptr, "Silent").Error("nobody listens"); // an empty logger is allowed
 }
 
 TEST(PostUpdateDelay, WaitsOnceForOneToTenMinutes)
