@@ -1,0 +1,74 @@
+// Which DLLs the program loads, and what it does without one.
+#include "e2e/local_service.h"
+#include "e2e/program.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace vantor::e2e {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The setting that has Wine load DLLs as these words say, its own or others, and go without what the tests never need.
+std::string Load(const std::string& order)
+{
+    return "WINEDLLOVERRIDES=mscoree,mshtml=;" + order;
+}
+
+TEST(Modules, PlantedOnesAreNotLoaded)
+{
+    const fs::path beside = ScratchFolder();
+    const fs::path current = ScratchFolder() / "current";
+    const fs::path tests = fs::current_path();
+    fs::create_directories(current);
+    for (const std::string name : {"winhttp", "wintrust", "ws2_32", "version", "dnsapi", "crypt32"}) {
+        fs::copy_file(VANTOR_TEST_MODULES "/versioned_german.dll", beside / (name + ".dll"));
+        fs::copy_file(VANTOR_TEST_MODULES "/versioned_german.dll", current / (name + ".dll"));
+    }
+    fs::copy_file(VANTOR_PROGRAM, beside / "vantor.exe");
+    // Wine prefers its own DLLs, a planted one only where it is told to. It is not told to for those that its shell32
+    // and its winhttp load, too, before or without any choice of the program's.
+    const std::string order = Load("winhttp,wintrust,ws2_32=n,b");
+    const auto loaded = [&] {
+        const auto isTrace = [](const auto& file) { return file.path().extension() == ".loaded"; };
+        return std::count_if(fs::recursive_directory_iterator(beside), {}, isTrace);
+    };
+    SetRegistry();
+    LocalService service;
+    fs::current_path(current);
+    const std::vector<std::string> arguments = {"/hcmode=postdatupdate", "/datupdatestatus=0"};
+    EXPECT_EQ(RunProgram(beside / "vantor.exe", arguments, "", {order}).exitCode, 0);
+    fs::current_path(tests);
+    EXPECT_EQ(loaded(), 0);
+    EXPECT_EQ(service.Pulses().size(), 1u);
+    RunProgram("rundll32", {WindowsPath(beside / "winhttp.dll") + ",None"}, "", {order}); // asked for by its path
+    EXPECT_EQ(loaded(), 1);
+}
+
+TEST(Modules, WithoutOneItsStageFailsAndTheRunGoesOn)
+{
+    const struct {
+        std::string module;
+        const char* line;
+        std::size_t pulses;
+    } kCases[] = {
+        {"winhttp", "ERROR: Send telemetry failed: this Windows lacks winhttp.dll: error 126", 0},
+        {"crypt32", "ERROR: Send telemetry failed: this Windows lacks crypt32.dll: error 126", 0},
+        {"wintrust", " WARN: No module of the product can be checked: this Windows lacks wintrust.dll: error 126", 1},
+    };
+    for (const auto& [module, line, pulses] : kCases) {
+        SCOPED_TRACE(module);
+        SetRegistry();
+        LocalService service;
+        const Outcome outcome = RunProgram({"/hcmode=postdatupdate", "/datupdatestatus=0"}, {Load(module + "=")});
+        EXPECT_EQ(outcome.exitCode, 0);
+        EXPECT_TRUE(outcome.Logged(line));
+        EXPECT_EQ(outcome.log.back(), "TRACE: Stopping etl tracing...");
+        EXPECT_EQ(service.Pulses().size(), pulses);
+    }
+}
+
+} // namespace
+} // namespace vantor::e2e
