@@ -74,6 +74,7 @@ package_sets=(
 # What ./check needs beside that.
 check_package_sets=(
     "find faults in the sources|clang clang-tidy cppcheck"
+    "fuzz|clang libclang-rt-14-dev"
     "try the program behind a proxy and a name server|squid dnsmasq-base"
 )
 

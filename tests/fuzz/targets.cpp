@@ -1,0 +1,118 @@
+// What the fuzzers feed: every reader of bytes that others write. A promise that is not kept ends the program, as what
+// a sanitizer finds does. Each target is a program of its own, which VANTOR_FUZZ_TARGET names.
+#include "health/content_version.h"
+#include "health/dotted_version.h"
+#include "inspect/input.h"
+#include "inspect/run_text.h"
+#include "option_rules.h"
+#include "platform/multi_string.h"
+#include "recording_logger.h"
+#include "run/options.h"
+#include "telemetry/pem.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+
+namespace vantor::fuzz {
+
+void Promise(bool kept)
+{
+    if (!kept) {
+        std::abort();
+    }
+}
+
+void options(const std::string& input)
+{
+    RunConfig config;
+    RecordingLogger log;
+    try {
+        ParseArguments(Words(input), config, log);
+        Validate(config);
+    } catch (const OptionError&) {
+        return;
+    }
+    Promise(IsHealthCheck(config) != config.hcmode.empty());
+}
+
+void dotted_version(const std::string& input)
+{
+    const auto parts = ParseDottedVersion(input);
+    Promise(!parts || std::ranges::count(input, '.') + 1 == std::ssize(*parts));
+    ParseContentVersion(input);
+}
+
+void multi_string(const std::string& input)
+{
+    using namespace std::string_literals;
+    std::u16string text(input.size() / 2, u'\0');
+    std::memcpy(text.data(), input.data(), 2 * text.size());
+    const bool found = MultiStringContains({reinterpret_cast<const std::uint8_t*>(input.data()), input.size()}, u"ab");
+    Promise(found == ((u'\0' + text + u'\0').find(u"\0ab\0"s) != std::u16string::npos));
+}
+
+void pem(const std::string& input)
+{
+    std::size_t size = 0;
+    for (const std::string_view certificate : SplitPem(input)) {
+        size += certificate.size();
+    }
+    Promise(size <= input.size());
+}
+
+/// What is decoded becomes the same bytes again.
+void report(const std::string& input)
+{
+    const ReportBytes bytes(input.begin(), input.end());
+    try {
+        const Report report = DecodeReport(bytes);
+        Promise(bytes == (bytes.size() == HealthRecord::kWireSize
+                              ? EncodeReport(report.record)
+                              : EncodeReport(report.record, BuildTextBlock(report.textItems))));
+    } catch (const ReportError&) {
+    }
+}
+
+/// An item a word, again and again until there is no room; those that have room are read back.
+void text_block(const std::string& input)
+{
+    std::vector<std::string> items;
+    for (const std::vector<std::string> words = Words(input); !words.empty() && items.size() < kReportLimitBytes;) {
+        items.insert(items.end(), words.begin(), words.end());
+    }
+    const TextBlock block = BuildTextBlock(items);
+    HealthRecord record;
+    record.mode = 1;
+    Promise(DecodeReport(EncodeReport(record, block)).textItems.size() + block.leftOut.size() == items.size());
+}
+
+/// The body of a request to the service, and the pulse as it is shown.
+void pulse(const std::string& input)
+{
+    try {
+        const inspect::DatedPulse pulse{{}, inspect::DecodePulse(input)};
+        Promise(!inspect::JsonLine(inspect::PulseJson(pulse)).empty() && !inspect::PulseBlock(pulse).empty());
+    } catch (const inspect::PulseError&) {
+    }
+}
+
+/// What vantor-inspect is given, logs above all, and what it shows of them.
+void inspected(const std::string& input)
+{
+    try {
+        const inspect::Input read = inspect::ReadInput(input);
+        for (const inspect::Run& run : read.runs) {
+            Promise(!inspect::JsonLine(inspect::RunJson(run, 1)).empty() && !inspect::RunBlock(run, 1, 1).empty());
+        }
+    } catch (const inspect::InputError&) {
+    }
+}
+
+} // namespace vantor::fuzz
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    vantor::fuzz::VANTOR_FUZZ_TARGET({data, data + size});
+    return 0;
+}
