@@ -1,0 +1,7 @@
+// bare_post BODY-FILE: the least that a delivered pulse can cost: WinHTTP, one POST, its reply.
+#include "post.h"
+
+int main(int argc, char** argv)
+{
+    return argc == 2 ? vantor::bench::PostFile(argv[1], [](HINTERNET, HINTERNET) {}) : 2;
+}

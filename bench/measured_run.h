@@ -1,0 +1,32 @@
+// One run of a program under Wine, and what it cost.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace vantor::bench {
+
+/// What one run cost. Wine's server, which serves every program alike, is not in it.
+struct Cost {
+    double wallMs = 0;    ///< from the start of the process until its end was seen
+    double cpuMs = 0;     ///< user and system time of the process
+    double peakMib = 0;   ///< its largest resident size
+    double wireBytes = 0; ///< sent over loopback meanwhile, in both directions, headers included
+    int exitCode = -1;
+};
+
+/// Runs "wine COMMAND..." to its end, its output in the file. It is ended after a minute.
+Cost Measure(const std::vector<std::string>& command, const std::filesystem::path& output);
+
+/// What a run touched.
+struct Touched {
+    std::size_t files = 0;        ///< files and folders, by name
+    std::size_t registryKeys = 0; ///< keys, by name
+};
+
+/// Runs the command once more with Wine's own record of calls.
+Touched Trace(const std::vector<std::string>& command, const std::filesystem::path& output);
+
+} // namespace vantor::bench
