@@ -46,6 +46,8 @@ inline const bool g_globalMemoryIsWatched = [] {
     return true;
 }();
 
+constexpr DWORD kUntold = ~0ul; ///< in a script, a failure that leaves no error
+
 /// Calls that succeed unless the script says otherwise, recorded.
 class CallScript {
 public:
@@ -69,7 +71,7 @@ protected:
         }
         const DWORD error = script.front();
         script.pop_front();
-        ::SetLastError(error);
+        ::SetLastError(error == kUntold ? ERROR_SUCCESS : error);
         return error == ERROR_SUCCESS;
     }
 

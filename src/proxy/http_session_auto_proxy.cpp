@@ -1,5 +1,6 @@
 #include "proxy/http_session_auto_proxy.h"
 
+#include "platform/last_error.h"
 #include "platform/text.h"
 #include "proxy/proxy_discovery.h"
 #include "telemetry/code_names.h"
@@ -86,7 +87,7 @@ DWORD CHTTPSessionAutoProxy::GetProxyForUrl(HINTERNET session, const std::wstrin
 {
     WINHTTP_PROXY_INFO answer{};
     if (!Host().Discovery().GetProxyForUrl(session, url.c_str(), options, answer)) {
-        return ::GetLastError();
+        return LastErrorOr(ERROR_WINHTTP_INTERNAL_ERROR);
     }
     info = {answer.dwAccessType, GlobalText(answer.lpszProxy), GlobalText(answer.lpszProxyBypass)};
     return ERROR_SUCCESS;

@@ -1,6 +1,7 @@
 // The part of CHTTPSessionAutoProxy that asks for the system's own proxy settings.
 #include "proxy/http_session_auto_proxy.h"
 
+#include "platform/last_error.h"
 #include "platform/text.h"
 #include "proxy/proxy_discovery.h"
 #include "proxy/session_impersonator.h"
@@ -85,13 +86,12 @@ DWORD CHTTPSessionAutoProxy::TryCurrentUserProxyConfig(HINTERNET session, const 
     log.Trace("Attempting discovery. Impersonating user.");
     SessionImpersonator user(*this);
     if (!user.Impersonate(config.m_currentUser)) {
-        const DWORD error = ::GetLastError();
-        return error != ERROR_SUCCESS ? error : ERROR_CANNOT_IMPERSONATE;
+        return LastErrorOr(ERROR_CANNOT_IMPERSONATE);
     }
 
     WINHTTP_CURRENT_USER_IE_PROXY_CONFIG answer{};
     if (!Host().Discovery().GetUserProxyConfig(answer)) {
-        return ::GetLastError();
+        return LastErrorOr(ERROR_WINHTTP_INTERNAL_ERROR);
     }
     UserSettings settings{GlobalText(answer.lpszAutoConfigUrl), GlobalText(answer.lpszProxy),
                           GlobalText(answer.lpszProxyBypass)};

@@ -1,5 +1,6 @@
 #include "telemetry/http_connection.h"
 
+#include "platform/last_error.h"
 #include "telemetry/code_names.h"
 
 #include <stdexcept>
@@ -9,13 +10,6 @@ namespace vantor {
 namespace {
 
 constexpr DWORD kEnableHttpProtocol = 133; // WINHTTP_OPTION_ENABLE_HTTP_PROTOCOL, which older headers lack
-
-/// The last error, or a code that says so when Windows left none.
-DWORD LastErrorOr(DWORD fallback)
-{
-    const DWORD error = ::GetLastError();
-    return error != ERROR_SUCCESS ? error : fallback;
-}
 
 bool IsConnectFailure(DWORD error)
 {
@@ -219,7 +213,7 @@ HttpConnection::Attempt HttpConnection::SendAttempt(std::unique_ptr<HttpRequest>
         request = CreateRequest(target);
     } catch (const HttpRequestError& error) {
         log.Error(error.what());
-        return {error.Code() != ERROR_SUCCESS ? error.Code() : ERROR_WINHTTP_INTERNAL_ERROR, false};
+        return {error.Code(), false};
     }
 
     DWORD result = ERROR_SUCCESS;

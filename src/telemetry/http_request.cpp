@@ -1,5 +1,7 @@
 #include "telemetry/http_request.h"
 
+#include "platform/last_error.h"
+#include "platform/owner.h"
 #include "telemetry/code_names.h"
 
 #include <utility>
@@ -57,7 +59,7 @@ DWORD HttpRequest::OpenRequestWithRetries(const std::wstring& objectName, const 
         if (Open(objectName, verb, flags)) {
             return ERROR_SUCCESS;
         }
-        error = ::GetLastError();
+        error = LastErrorOr(ERROR_WINHTTP_INTERNAL_ERROR);
         if (retry) {
             retry = false;
         } else if (m_host.Reset() == ERROR_SUCCESS) {
@@ -76,7 +78,7 @@ DWORD HttpRequest::AddHeaders(const HttpHeaders& headers)
     for (const auto& [name, line] : headers) {
         if (!m_HttpInterface->AddRequestHeaders(m_handle, line.c_str(), static_cast<DWORD>(-1),
                                                 WINHTTP_ADDREQ_FLAG_ADD)) {
-            const DWORD error = ::GetLastError();
+            const DWORD error = LastErrorOr(ERROR_WINHTTP_INTERNAL_ERROR);
             log.Error("HttpRequest::AddHeaders WinHttpAddRequestHeaders error " + NamedWinHttpError(error));
             return error;
         }
@@ -103,7 +105,7 @@ DWORD HttpRequest::SendOnce(std::wstring_view headers, std::string_view body, DW
                                      static_cast<DWORD>(body.size()), totalLength, 0)) {
         return ERROR_SUCCESS;
     }
-    return ::GetLastError();
+    return LastErrorOr(ERROR_WINHTTP_INTERNAL_ERROR);
 }
 
 DWORD HttpRequest::SendWithResend(std::wstring_view headers, std::string_view body, DWORD totalLength,
@@ -188,7 +190,7 @@ DWORD HttpRequest::QueryStatusCode(DWORD& status)
                                       WINHTTP_NO_HEADER_INDEX)) {
         return ERROR_SUCCESS;
     }
-    const DWORD error = ::GetLastError();
+    const DWORD error = LastErrorOr(ERROR_WINHTTP_INTERNAL_ERROR);
     if (m_sent == ERROR_WINHTTP_LOGIN_FAILURE) {
         status = HTTP_STATUS_PROXY_AUTH_REQ;
         return ERROR_SUCCESS;

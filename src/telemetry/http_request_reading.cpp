@@ -1,6 +1,7 @@
 // The second half of HttpRequest: receiving and reading the answer.
 #include "telemetry/http_request.h"
 
+#include "platform/last_error.h"
 #include "platform/text.h"
 #include "telemetry/code_names.h"
 
@@ -25,7 +26,7 @@ DWORD HttpRequest::AcceptResponse()
     const TracedOperation log = Trace("HttpRequest::AcceptResponse");
     m_received = ERROR_SUCCESS;
     if (!m_HttpInterface->ReceiveResponse(m_handle, nullptr)) {
-        m_received = ::GetLastError();
+        m_received = LastErrorOr(ERROR_WINHTTP_INTERNAL_ERROR);
         log.Error("HttpRequest::AcceptResponse WinHttpReceiveResponse result " + NamedWinHttpError(*m_received));
     }
     return *m_received;
@@ -57,7 +58,7 @@ DWORD HttpRequest::ReadHeaders(DWORD& status, std::wstring& headers)
         const BOOL done =
             m_HttpInterface->QueryHeaders(m_handle, WINHTTP_QUERY_RAW_HEADERS_CRLF, WINHTTP_HEADER_NAME_BY_INDEX,
                                           buffer, &size, WINHTTP_NO_HEADER_INDEX);
-        return done ? ERROR_SUCCESS : ::GetLastError();
+        return done ? ERROR_SUCCESS : LastErrorOr(ERROR_WINHTTP_INTERNAL_ERROR);
     };
     DWORD size = 0;
     DWORD result = query(WINHTTP_NO_OUTPUT_BUFFER, size);
@@ -84,7 +85,7 @@ DWORD HttpRequest::ReadPayload(std::vector<std::uint8_t>& body)
     for (;;) {
         DWORD available = 0;
         if (!m_HttpInterface->QueryDataAvailable(m_handle, &available)) {
-            result = ::GetLastError();
+            result = LastErrorOr(ERROR_WINHTTP_INTERNAL_ERROR);
             log.Error("HttpRequest::ReadPayload WinHttpQueryDataAvailable error " + NamedWinHttpError(result));
             return result;
         }
@@ -102,7 +103,7 @@ DWORD HttpRequest::ReadPayload(std::vector<std::uint8_t>& body)
         }
         DWORD read = 0;
         if (!m_HttpInterface->ReadData(m_handle, body.data() + total, available, &read)) {
-            result = ::GetLastError();
+            result = LastErrorOr(ERROR_WINHTTP_INTERNAL_ERROR);
             log.Error("WinHttpReadData error " + NamedWinHttpError(result));
             break;
         }

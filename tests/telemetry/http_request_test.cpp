@@ -21,6 +21,7 @@ TEST_F(HttpRequestTest, ResendsOnceWhereWinHttpAsksForIt)
         {12175, 0, 12018, 12175, 1,
          "E HttpRequest::Send: HttpRequest::Send WinHttpSendRequest result ERROR_WINHTTP_SECURE_FAILURE 12175"},
         {12029, 0, 0, 12029, 1, "T HttpRequest::Send: error ERROR_WINHTTP_CANNOT_CONNECT 12029 retry flag not set."},
+        {kUntold, 0, 0, 12004, 1, "T HttpRequest::Send: error ERROR_WINHTTP_INTERNAL_ERROR 12004 retry flag not set."},
     };
     for (const auto& row : kCases) {
         SCOPED_TRACE(row.line);
