@@ -16,18 +16,23 @@ bool IsConnectFailure(DWORD error)
     return error == ERROR_WINHTTP_TIMEOUT || error == ERROR_WINHTTP_CANNOT_CONNECT;
 }
 
-/// Whether a proxy asked for authentication instead of building the tunnel: then there was no server to judge.
-bool IsProxyChallenge(HttpRequest& request)
+/// Whether the request, sent with this result, reached a server that is not to be trusted. Without a certificate there
+/// was none to judge when the send failed, or when a proxy asked for authentication instead of building the tunnel.
+bool IsUntrusted(HttpRequest& request, DWORD sent)
 {
+    if (sent != ERROR_SUCCESS || request.Verdict() != CertificateVerdict::unknown) {
+        return request.Verdict() == CertificateVerdict::rejected;
+    }
     DWORD status = 0;
-    return request.Verdict() == CertificateVerdict::unknown && request.QueryStatusCode(status) == ERROR_SUCCESS &&
-           status == HTTP_STATUS_PROXY_AUTH_REQ;
+    return request.QueryStatusCode(status) != ERROR_SUCCESS || status != HTTP_STATUS_PROXY_AUTH_REQ;
 }
 
-void LogInvalidCertificate(CertificateVerdict verdict, const OperationLog& log)
+void LogInvalidCertificate(CertificateVerdict verdict, bool isAnyPinned, const OperationLog& log)
 {
     log.Error("HttpConnection::SendRequest invalid server certificate.");
-    if (verdict == CertificateVerdict::rejected) {
+    if (!isAnyPinned) {
+        log.Error("There are no pinned certificates: no server is accepted.");
+    } else if (verdict == CertificateVerdict::rejected) {
         log.Error("The server's certificate chain is trusted, but none of the pinned issuers signed the certificate: "
                   "an inspecting proxy between this host and the service is the likely cause.");
     }
@@ -217,21 +222,20 @@ HttpConnection::Attempt HttpConnection::SendAttempt(std::unique_ptr<HttpRequest>
     }
 
     DWORD result = ERROR_SUCCESS;
-    bool certificateValid = false;
     ::SetLastError(ERROR_SUCCESS); // a set-up that is refused does not always reach Windows
     const bool prepared = schemes.InitRequest(m_hSession, *request, L"https://" + m_settings.http.server) != 0;
     if (!prepared) {
         result = LastErrorOr(ERROR_WINHTTP_LOGIN_FAILURE);
         log.Error("HttpConnection::SendRequest ProxyManager::InitRequest failed err = " + WinHttpErrorName(result));
     } else {
-        result = SendPrepared(*request, headers, body, certificateValid, log);
+        result = SendPrepared(*request, headers, body, log);
     }
     if (const DWORD cleaned = schemes.CleanRequest(); cleaned == 0) {
         log.Trace("Clean request failed =" + std::to_string(cleaned));
     }
 
-    if (result == ERROR_SUCCESS && !certificateValid && !IsProxyChallenge(*request)) {
-        LogInvalidCertificate(request->Verdict(), log);
+    if (IsUntrusted(*request, result)) {
+        LogInvalidCertificate(request->Verdict(), !m_settings.pinnedCertificates.empty(), log);
         return {ERROR_WINHTTP_SECURE_FAILURE, false};
     }
     if (prepared) { // otherwise there is no answer to learn from, and the queue goes on as it is
@@ -241,16 +245,19 @@ HttpConnection::Attempt HttpConnection::SendAttempt(std::unique_ptr<HttpRequest>
 }
 
 DWORD HttpConnection::SendPrepared(HttpRequest& request, const HttpHeaders& headers,
-                                   std::optional<std::string_view> body, bool& certificateValid,
-                                   const OperationLog& log)
+                                   std::optional<std::string_view> body, const OperationLog& log)
 {
     constexpr int kMostSends = 4; // on Windows a logon of several steps (NTLM) can ask for the whole request again
 
     const std::string_view data = body.value_or("");
+    bool certificateValid = false; // the verdict says more
     bool retry = false;
     DWORD result = request.AddHeaders(headers);
     for (int sends = 0; result == ERROR_SUCCESS && sends < kMostSends; ++sends) {
         result = request.Send({}, data, static_cast<DWORD>(data.size()), certificateValid, retry);
+        if (request.Verdict() == CertificateVerdict::rejected) {
+            break; // receiving would answer the challenges of whoever this is, and could send the body once more
+        }
         // The answer is remembered: it may be the proxy's challenge, and is read later otherwise.
         if (result == ERROR_SUCCESS && request.AcceptResponse() != ERROR_WINHTTP_RESEND_REQUEST) {
             return result;

@@ -90,7 +90,7 @@ private:
                         const HttpTarget& target, const HttpHeaders& headers, std::optional<std::string_view> body,
                         const OperationLog& log);
     DWORD SendPrepared(HttpRequest& request, const HttpHeaders& headers, std::optional<std::string_view> body,
-                       bool& certificateValid, const OperationLog& log);
+                       const OperationLog& log);
 
     std::mutex m_resetMutex;
     HINTERNET m_hSession = nullptr;

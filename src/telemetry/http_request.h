@@ -87,7 +87,8 @@ public:
 
     CertificateVerdict Verdict() const { return m_verdict; }
 
-    /// Receives the answer; done once after a send, a second call returns the first result.
+    /// Receives the answer; done once after a send, a second call returns the first result. Judges the server's
+    /// certificate where the send had none to judge and the answer is not the proxy's 407.
     DWORD AcceptResponse();
 
     /// Receives the answer unless that is done, then reads status, headers and body. A body over 16 MiB, or one that

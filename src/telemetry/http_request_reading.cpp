@@ -28,6 +28,13 @@ DWORD HttpRequest::AcceptResponse()
     if (!m_HttpInterface->ReceiveResponse(m_handle, nullptr)) {
         m_received = LastErrorOr(ERROR_WINHTTP_INTERNAL_ERROR);
         log.Error("HttpRequest::AcceptResponse WinHttpReceiveResponse result " + NamedWinHttpError(*m_received));
+    } else if (m_verdict == CertificateVerdict::unknown) {
+        // WinHTTP may have finished a proxy's logon only here, and so reached the server after the send.
+        DWORD status = 0;
+        QueryStatusCode(status);
+        if (status != HTTP_STATUS_PROXY_AUTH_REQ) {
+            JudgeCertificate(log);
+        }
     }
     return *m_received;
 }

@@ -165,11 +165,25 @@ TEST_F(HttpConnectionTest, AChallengeExcusesAMissingCertificateButNoOther)
     EXPECT_EQ(Query(change).status, 407u);
     EXPECT_EQ(Calls("QueryAuthSchemes"), 1);
 
-    m_http->serverCertificate = outsider.front().Get(); // one that plays the proxy: no credentials for it
-    EXPECT_EQ(Query(change).result, DWORD{ERROR_WINHTTP_SECURE_FAILURE});
-    EXPECT_EQ(Calls("SendRequest body"), 1);
-    EXPECT_EQ(Calls("QueryAuthSchemes"), 0);
-    EXPECT_TRUE(Logged("E HttpConnection::SendRequest: HttpConnection::SendRequest invalid server certificate."));
+    m_http->serverCertificate = outsider.front().Get();
+    for (const DWORD error : {0, 12015, 12029}) { // one that plays the proxy: neither credentials nor a second body
+        m_log->lines.clear();
+        m_http->errors["SendRequest"] = {error};
+        EXPECT_EQ(Query(change).result, DWORD{ERROR_WINHTTP_SECURE_FAILURE});
+        EXPECT_EQ(Calls("SendRequest body"), 1);
+        EXPECT_EQ(Calls("ReceiveResponse") + Calls("QueryAuthSchemes"), 0);
+        EXPECT_TRUE(Logged("E HttpConnection::SendRequest: HttpConnection::SendRequest invalid server certificate."));
+    }
+    EXPECT_EQ(Query([](auto& s) { s.pinCertificates = true; }).result, DWORD{ERROR_WINHTTP_SECURE_FAILURE});
+    EXPECT_TRUE(Logged("E HttpConnection::SendRequest: There are no pinned certificates: no server is accepted."));
+
+    m_http->status = 200; // a tunnel that came about only while the answer was received
+    for (const auto& [name, result] : {std::pair("server-a", 0), {"server-outsider", ERROR_WINHTTP_SECURE_FAILURE}}) {
+        const auto late = LoadCertificates(name);
+        m_http->serverCertificate = late.front().Get();
+        m_http->errors["QueryOption 78"] = {12019};
+        EXPECT_EQ(Query(change).result, DWORD(result));
+    }
 }
 
 TEST_F(HttpConnectionTest, WithoutWhatItNeedsNothingIsSent)
