@@ -40,8 +40,20 @@ bool HttpRequest::Open(const std::wstring& objectName, const std::wstring& verb,
     m_handle = m_HttpInterface->OpenRequest(m_host.ConnectionHandle(), verb.c_str(), objectName.c_str(), nullptr,
                                             WINHTTP_NO_REFERER, WINHTTP_DEFAULT_ACCEPT_TYPES, flags);
     if (m_handle) {
-        DWORD policy = WINHTTP_AUTOLOGON_SECURITY_LEVEL_HIGH;
-        m_HttpInterface->SetOption(m_handle, WINHTTP_OPTION_AUTOLOGON_POLICY, &policy, sizeof(policy));
+        DWORD autologon = WINHTTP_AUTOLOGON_SECURITY_LEVEL_HIGH;
+        if (!m_HttpInterface->SetOption(m_handle, WINHTTP_OPTION_AUTOLOGON_POLICY, &autologon, sizeof(autologon))) {
+            const DWORD error = ::GetLastError();
+            log.Error("HttpRequest::Open WinHttpSetOption error " + NamedWinHttpError(error) +
+                      ": the automatic logon stays as it is.");
+        }
+        // The target of a redirect would never be held against the pinned issuers: the report goes nowhere else.
+        DWORD redirects = WINHTTP_OPTION_REDIRECT_POLICY_NEVER;
+        if (!m_HttpInterface->SetOption(m_handle, WINHTTP_OPTION_REDIRECT_POLICY, &redirects, sizeof(redirects))) {
+            const LastErrorKeeper error;
+            log.Error("HttpRequest::Open WinHttpSetOption error " + NamedWinHttpError(error.Error()) +
+                      ": redirects cannot be refused, and nothing is sent without that.");
+            Close();
+        }
     }
     return m_handle != nullptr;
 }

@@ -1,3 +1,4 @@
+#include "telemetry/code_names.h"
 #include "telemetry/connection_test.h"
 
 namespace vantor {
@@ -20,8 +21,8 @@ TEST_F(HttpRequestTest, ResendsOnceWhereWinHttpAsksForIt)
         {12175, 12002, 0, 12002, 2, "W HttpRequest::Send: error ERROR_WINHTTP_TIMEOUT 12002, retry failed."},
         {12175, 0, 12018, 12175, 1,
          "E HttpRequest::Send: HttpRequest::Send WinHttpSendRequest result ERROR_WINHTTP_SECURE_FAILURE 12175"},
-        {12029, 0, 0, 12029, 1, "T HttpRequest::Send: error ERROR_WINHTTP_CANNOT_CONNECT 12029 retry flag not set."},
         {kUntold, 0, 0, 12004, 1, "T HttpRequest::Send: error ERROR_WINHTTP_INTERNAL_ERROR 12004 retry flag not set."},
+        {12029, 0, 0, 12029, 1, "T HttpRequest::Send: error ERROR_WINHTTP_CANNOT_CONNECT 12029 retry flag not set."},
     };
     for (const auto& row : kCases) {
         SCOPED_TRACE(row.line);
@@ -84,52 +85,34 @@ TEST_F(HttpRequestTest, AReplyWithoutEndIsCut)
 
 TEST_F(HttpRequestTest, AFailedStepEndsTheQueryButOpeningIsTriedAgainOnceAfterAReset)
 {
-    const struct {
-        std::map<std::string, std::deque<DWORD>> errors;
-        DWORD result;
-        const char* line;
-    } kCases[] = {
-        {{{"OpenRequest", {12019}}},
-         0,
-         "HttpRequest::OpenRequestWithRetries: HttpConnection::CreateRequest WinHttpOpenRequest error "
-         "ERROR_WINHTTP_INCORRECT_HANDLE_STATE 12019, retry 1"},
-        {{{"OpenRequest", {12019, 12001}}},
-         12001,
-         "HttpRequest::OpenRequestWithRetries: HttpConnection::CreateRequest WinHttpOpenRequest error "
-         "ERROR_WINHTTP_OUT_OF_HANDLES 12001, retry 0"},
-        {{{"OpenRequest", {12019}}, {"Connect", {0, 12007}}}, // no reset
-         12019,
-         "HttpConnection::SendRequest: Failed to open HTTP request."},
-        {{{"AddRequestHeaders", {12155}}},
-         12155,
-         "HttpRequest::AddHeaders: HttpRequest::AddHeaders WinHttpAddRequestHeaders error "
-         "ERROR_WINHTTP_HEADER_ALREADY_EXISTS 12155"},
-        {{{"ReceiveResponse", {12152}}},
-         12152,
-         "HttpRequest::AcceptResponse: HttpRequest::AcceptResponse WinHttpReceiveResponse result "
-         "ERROR_WINHTTP_INVALID_SERVER_RESPONSE 12152"},
-        {{{"QueryHeaders status", {12002}}},
-         12002,
-         "HttpRequest::ReadHeaders: HttpRequest::ReadHeaders WinHttpQueryHeaders failed to read status code - error "
-         "ERROR_WINHTTP_TIMEOUT 12002"},
-        {{{"QueryHeaders block", {12002}}},
-         12002,
-         "HttpRequest::ReadHeaders: HttpRequest::ReadHeaders WinHttpQueryHeaders error ERROR_WINHTTP_TIMEOUT 12002"},
-        {{{"QueryDataAvailable", {12002}}},
-         12002,
-         "HttpRequest::ReadPayload: HttpRequest::ReadPayload WinHttpQueryDataAvailable error ERROR_WINHTTP_TIMEOUT "
-         "12002"},
-        {{{"ReadData", {12002}}}, 12002, "HttpRequest::ReadPayload: WinHttpReadData error ERROR_WINHTTP_TIMEOUT 12002"},
+    const std::tuple<const char*, DWORD, const char*> kCases[] = {
+        {"OpenRequest", 12019, "OpenRequestWithRetries: HttpConnection::CreateRequest WinHttpOpenRequest error "},
+        {"SetOption 88", 12009, "Open: HttpRequest::Open WinHttpSetOption error "},
+        {"AddRequestHeaders", 12155, "AddHeaders: HttpRequest::AddHeaders WinHttpAddRequestHeaders error "},
+        {"ReceiveResponse", 12152, "AcceptResponse: HttpRequest::AcceptResponse WinHttpReceiveResponse result "},
+        {"QueryHeaders status", 12002,
+         "ReadHeaders: HttpRequest::ReadHeaders WinHttpQueryHeaders failed to read status code - error "},
+        {"QueryHeaders block", 12002, "ReadHeaders: HttpRequest::ReadHeaders WinHttpQueryHeaders error "},
+        {"QueryDataAvailable", 12002, "ReadPayload: HttpRequest::ReadPayload WinHttpQueryDataAvailable error "},
+        {"ReadData", 12002, "ReadPayload: WinHttpReadData error "},
     };
-    for (const auto& [errors, result, line] : kCases) {
-        SCOPED_TRACE(line);
-        m_http->errors = errors;
+    for (const auto& [failing, error, line] : kCases) {
+        m_http->errors = {{failing, {error, error}}};
         m_http->bodyPieces = {"piece"};
-        EXPECT_EQ(Query().result, result);
-        EXPECT_TRUE(Logged("E " + std::string(line)));
+        EXPECT_EQ(Query().result, error);
+        const std::string start = std::string("E HttpRequest::") + line + NamedWinHttpError(error);
+        EXPECT_THAT(m_log->lines, ::testing::Contains(::testing::StartsWith(start)));
         EXPECT_EQ(m_http->openHandles, 0);
     }
     EXPECT_TRUE(Logged("W HttpConnection::Query: Failed to get response"));
+    m_http->errors = {{"OpenRequest", {12019}}, {"Connect", {0, 12007}}}; // no reset
+    EXPECT_EQ(Query().result, 12019u);
+    EXPECT_TRUE(Logged("E HttpConnection::SendRequest: Failed to open HTTP request."));
+    m_http->errors = {{"OpenRequest", {12001}}, {"SetOption 77", {12009}}};
+    EXPECT_EQ(Query().result, 0u);
+    EXPECT_THAT(m_log->lines, ::testing::Contains(::testing::EndsWith("12009: the automatic logon stays as it is.")));
+    EXPECT_THAT(m_log->lines, ::testing::Contains(::testing::EndsWith("12019, retry 0")));
+    EXPECT_THAT(m_log->lines, ::testing::Contains(::testing::EndsWith("12001, retry 1")));
 }
 
 } // namespace
