@@ -1,9 +1,11 @@
 #include "run/file_version_info.h"
 
 #include "delay_import_tables.h"
+#include "platform/last_error.h"
 #include "run/logging.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
 #include <iterator>
 #include <memory>
@@ -47,6 +49,19 @@ public:
     const void* VersionBlock() override { return m_block.data(); }
     void Release() override { delete this; }
 
+    /// So many entries at a place that VerQueryValue named, or as many of them as the block holds from there on: place
+    /// and number are the file's, which is any program's.
+    template <typename Entry>
+    std::span<const Entry> Within(const void* place, std::size_t count) const
+    {
+        const auto start = reinterpret_cast<std::uintptr_t>(place);
+        const auto first = reinterpret_cast<std::uintptr_t>(m_block.data());
+        if (start < first || start - first > m_block.size()) {
+            return {};
+        }
+        return {static_cast<const Entry*>(place), std::min(count, (m_block.size() - (start - first)) / sizeof(Entry))};
+    }
+
 private:
     DWORD Read(const wchar_t* path);
 
@@ -65,7 +80,7 @@ DWORD FileVersionInfoImpl::Read(const wchar_t* path)
     DWORD unused = 0;
     m_size = ::GetFileVersionInfoSizeW(path, &unused);
     if (m_size == 0) {
-        return ::GetLastError();
+        return LastErrorOr(ERROR_INVALID_DATA);
     }
     try {
         m_block.resize(m_size);
@@ -73,18 +88,22 @@ DWORD FileVersionInfoImpl::Read(const wchar_t* path)
         return ERROR_NOT_ENOUGH_MEMORY;
     }
     if (!::GetFileVersionInfoW(path, 0, m_size, m_block.data())) {
-        return ::GetLastError();
+        return LastErrorOr(ERROR_INVALID_DATA);
     }
-    void* table = nullptr;
+    void* place = nullptr;
     UINT length = 0;
-    if (!::VerQueryValueA(m_block.data(), "\\VarFileInfo\\Translation", &table, &length) ||
+    if (!::VerQueryValueA(m_block.data(), "\\VarFileInfo\\Translation", &place, &length) ||
         length % sizeof(Translation) != 0) {
         return ERROR_INVALID_DATA;
     }
     if (length == 0) {
         return ERROR_FILE_NOT_FOUND;
     }
-    m_translation = ChooseTranslation({static_cast<const Translation*>(table), length / sizeof(Translation)});
+    const auto table = Within<Translation>(place, length / sizeof(Translation));
+    if (table.size_bytes() != length) { // what lies behind a table that is cut off is none of its entries
+        return ERROR_INVALID_DATA;
+    }
+    m_translation = ChooseTranslation(table);
     return ERROR_SUCCESS;
 }
 
@@ -93,19 +112,18 @@ bool FileVersionInfoImpl::QueryValue(const wchar_t* name, std::wstring& value)
     wchar_t path[256];
     const int written = std::swprintf(path, std::size(path), L"\\StringFileInfo\\%04x%04x\\%ls",
                                       m_translation->language, m_translation->codePage, name);
-    void* text = nullptr;
+    void* place = nullptr;
     UINT length = 0;
-    if (written < 0 || !::VerQueryValueW(m_block.data(), path, &text, &length)) {
+    if (written < 0 || !::VerQueryValueW(m_block.data(), path, &place, &length)) {
         return false;
     }
-    value.assign(static_cast<const wchar_t*>(text), length);
-    value.resize(std::min(value.find(L'\0'), value.size())); // the length counts the final NUL, or not
+    const auto text = Within<wchar_t>(place, length);
+    if (text.empty() && length != 0) {
+        return false;
+    }
+    value.assign(text.begin(), std::find(text.begin(), text.end(), L'\0')); // the length counts the final NUL, or not
     return true;
 }
-
-struct Releaser {
-    void operator()(FileVersionInfo* info) const { info->Release(); }
-};
 
 } // namespace
 
@@ -124,21 +142,19 @@ extern "C" DWORD NewFileVersionInfo(const wchar_t* path, FileVersionInfo** out)
 
 std::optional<FileVersion> ReadFileVersion(const std::wstring& path)
 {
-    FileVersionInfo* raw = nullptr;
-    if (NewFileVersionInfo(path.c_str(), &raw) != ERROR_SUCCESS) {
+    FileVersionInfoImpl info(path.c_str());
+    if (info.Status() != ERROR_SUCCESS) {
         return std::nullopt;
     }
-    const std::unique_ptr<FileVersionInfo, Releaser> info(raw);
-
-    void* block = nullptr;
+    void* place = nullptr;
     UINT length = 0;
-    if (!::VerQueryValueA(info->VersionBlock(), "\\", &block, &length)) {
+    if (!::VerQueryValueA(info.VersionBlock(), "\\", &place, &length)) {
         throw std::runtime_error("Failed to query raw version data");
     }
-    if (length != sizeof(VS_FIXEDFILEINFO)) {
+    if (info.Within<BYTE>(place, length).size() != sizeof(VS_FIXEDFILEINFO)) {
         throw std::runtime_error("Failed to get file info, unexpected size");
     }
-    const auto& fixed = *static_cast<const VS_FIXEDFILEINFO*>(block);
+    const auto& fixed = *static_cast<const VS_FIXEDFILEINFO*>(place);
     return FileVersion{HIWORD(fixed.dwFileVersionMS), LOWORD(fixed.dwFileVersionMS), HIWORD(fixed.dwFileVersionLS),
                        LOWORD(fixed.dwFileVersionLS)};
 }

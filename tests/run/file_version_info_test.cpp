@@ -39,7 +39,8 @@ TEST(FileVersionInfo, FailsWithWindowsErrorAndLeavesTheResultAlone)
     wchar_t system[MAX_PATH];
     ::GetSystemDirectoryW(system, MAX_PATH);
     const std::pair<std::wstring, DWORD> kCases[] = {
-        {Module(L"versioned_none"), ERROR_INVALID_DATA}, // a resource without a translation table
+        {Module(L"versioned_none"), ERROR_INVALID_DATA},  // a resource without a translation table
+        {Module(L"versioned_lying"), ERROR_INVALID_DATA}, // a table that is longer than the resource
         {Module(L"there is no such module"), ERROR_FILE_NOT_FOUND},
         {Module(L"unversioned"), ERROR_RESOURCE_DATA_NOT_FOUND},
         {system, ERROR_BAD_PATHNAME},
