@@ -30,8 +30,8 @@ public:
     bool Impersonate(HANDLE token, KernelHandle& userToken, KernelHandle& previousToken) const;
 
     /// Makes the thread act as it did before Impersonate; does nothing when userToken is empty. Keeps the last error.
-    /// A thread that would stay somebody else takes the process with it.
-    void UnImpersonate(KernelHandle userToken, KernelHandle previousToken) const;
+    /// A thread that would stay somebody else takes the process with it, also when memory runs out for the log.
+    void UnImpersonate(KernelHandle userToken, KernelHandle previousToken) const noexcept;
 
 private:
     /// WINHTTP_PROXY_INFO with owners for its strings.

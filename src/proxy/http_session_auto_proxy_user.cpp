@@ -70,7 +70,7 @@ bool CHTTPSessionAutoProxy::Impersonate(HANDLE token, KernelHandle& userToken, K
     return true;
 }
 
-void CHTTPSessionAutoProxy::UnImpersonate(KernelHandle userToken, KernelHandle previousToken) const
+void CHTTPSessionAutoProxy::UnImpersonate(KernelHandle userToken, KernelHandle previousToken) const noexcept
 {
     if (!userToken) {
         return;

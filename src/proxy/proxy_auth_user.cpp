@@ -42,7 +42,7 @@ DWORD CHTTPProxyAuthUser::CleanRequest()
     return 1;
 }
 
-void CHTTPProxyAuthUser::EndImpersonation()
+void CHTTPProxyAuthUser::EndImpersonation() noexcept
 {
     if (m_impersonator) {
         m_impersonator->UnImpersonate();

@@ -19,7 +19,7 @@ public:
     DWORD CleanRequest() override;
 
 private:
-    void EndImpersonation();
+    void EndImpersonation() noexcept;
 
     IUserImpersonator* m_impersonator;
 };

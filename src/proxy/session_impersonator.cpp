@@ -17,7 +17,7 @@ bool SessionImpersonator::Impersonate(HANDLE token)
     return m_session.Impersonate(token, m_user, m_previous);
 }
 
-void SessionImpersonator::UnImpersonate()
+void SessionImpersonator::UnImpersonate() noexcept
 {
     m_session.UnImpersonate(std::move(m_user), std::move(m_previous));
 }

@@ -18,7 +18,7 @@ public:
     SessionImpersonator& operator=(const SessionImpersonator&) = delete;
 
     bool Impersonate(HANDLE token) override;
-    void UnImpersonate() override;
+    void UnImpersonate() noexcept override;
 
 private:
     CHTTPSessionAutoProxy& m_session;

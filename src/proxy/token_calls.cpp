@@ -12,13 +12,18 @@ constexpr UINT kExitCode = 3;
 
 void WindowsTokenCalls::LoadModules()
 {
-    // What WinHTTP binds on first use: for names and addresses, for detection (by DHCP as well) and scripts (newer
-    // systems run those in a service of their own), and for TLS and NTLM, since the current-user scheme sends as the
-    // user. A Windows that lacks one of them does not need it either.
-    for (const wchar_t* const module :
-         {L"winhttp.dll", L"webio.dll", L"ws2_32.dll", L"mswsock.dll", L"dnsapi.dll", L"iphlpapi.dll", L"dhcpcsvc.dll",
-          L"dhcpcsvc6.dll", L"jsproxy.dll", L"secur32.dll", L"schannel.dll", L"bcrypt.dll", L"ncrypt.dll",
-          L"crypt32.dll"}) {
+    // What WinHTTP binds on first use: for names, addresses and routes, for detection (by DHCP as well) and scripts
+    // (newer systems run those in a service of their own), and for TLS and logons, since the current-user scheme sends
+    // as the user. A Windows that lacks one of them does not need it either.
+    for (const wchar_t* const module : {L"winhttp.dll",    L"webio.dll",    L"OnDemandConnRouteHelper.dll",
+                                        L"ws2_32.dll",     L"mswsock.dll",  L"dnsapi.dll",
+                                        L"rasadhlp.dll",   L"fwpuclnt.dll", L"nlaapi.dll",
+                                        L"iphlpapi.dll",   L"winnsi.dll",   L"dhcpcsvc.dll",
+                                        L"dhcpcsvc6.dll",  L"jsproxy.dll",  L"secur32.dll",
+                                        L"sspicli.dll",    L"msv1_0.dll",   L"kerberos.dll",
+                                        L"schannel.dll",   L"bcrypt.dll",   L"ncrypt.dll",
+                                        L"ncryptsslp.dll", L"crypt32.dll",  L"cryptnet.dll",
+                                        L"rsaenh.dll"}) {
         FindMissing({module, {}});
     }
 }

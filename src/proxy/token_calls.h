@@ -16,8 +16,8 @@ class ITokenCalls {
 public:
     virtual ~ITokenCalls() = default;
 
-    /// Loads every module that Windows would bind on first use while the thread acts as the user, who could have
-    /// remapped the drive letter that it is loaded from.
+    /// Loads the modules that Windows is known to bind on first use in what the thread does as the user, who could have
+    /// remapped the drive letter that they are loaded from. A module that only a later Windows needs may be missing.
     virtual void LoadModules() = 0;
 
     /// The calling thread's token, opened with the process's own rights; ERROR_NO_TOKEN: it impersonates nobody.
