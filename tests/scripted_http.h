@@ -246,7 +246,7 @@ private:
 class ScriptedTokens : public ITokenCalls, public CallScript {
 public:
     void LoadModules() override { Call("LoadModules"); }
-    KernelHandle OpenThreadToken(DWORD) override { return Token(Call("OpenThreadToken"), "previous"); }
+    KernelHandle OpenThreadToken(DWORD access) override { return Token(Call("OpenThreadToken", access), "previous"); }
     BOOL ImpersonateLoggedOnUser(HANDLE token) override { return Call("Impersonate", names[token]); }
     BOOL RevertToSelf() override { return Call("Revert"); }
     KernelHandle DuplicateHandle(HANDLE) override { return Token(Call("Duplicate"), "supplied"); }

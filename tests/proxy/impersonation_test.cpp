@@ -22,7 +22,7 @@ protected:
 
 TEST_F(ImpersonationTest, TheThreadIsItselfAgainWhateverFails)
 {
-    const std::string opens = "LoadModules;OpenThreadToken;";
+    const std::string opens = "LoadModules;OpenThreadToken 12;";
     const std::string process = opens + "OpenProcess 1040 31;";
     const std::string shell = process + "OpenToken 11;Impersonate shell;";
     const std::string level = "CreateLevel 2 131072 1;";
@@ -63,6 +63,7 @@ TEST_F(ImpersonationTest, TheThreadIsItselfAgainWhateverFails)
           "normal user level token",
           "Impersonate: ImpersonateIfRequired: Failed to discover user access token",
           "Impersonate: Currently impersonating. Keeping impersonation token to restore later.",
+          "Impersonate: Impersonating logged on user", "UnImpersonate: Impersonating logged on user finished",
           "UnImpersonate: Failed to restore logged on user"}) {
         EXPECT_TRUE(AutoLogged(line)) << line;
     }

@@ -96,7 +96,7 @@ TEST_F(ProxyTest, TheCurrentUsersSchemeNeverLeavesTheThreadImpersonating)
     EXPECT_EQ(CHTTPProxyAuthUser(m_log, nullptr).InitRequest(m_manager, m_request), 0u);
     EXPECT_TRUE(Logged("T CHTTPProxyAuthUser::InitRequest: m_impersonator is null."));
 
-    const std::string once = "LoadModules;OpenThreadToken;Duplicate;Impersonate supplied;Revert;";
+    const std::string once = "LoadModules;OpenThreadToken 12;Duplicate;Impersonate supplied;Revert;";
     EXPECT_EQ(CHTTPProxyAuthUser(m_log, &m_manager.Impersonator()).InitRequest(m_manager, m_request), 1u);
     EXPECT_EQ(m_tokens->calls, once); // ended without clean-up, as by an exception
 

@@ -147,6 +147,8 @@ TEST_F(SystemProxyTest, TheUsersSettingsThenTheMachinesServeAndAreRemembered)
          {"SystemProxyInfo: System proxy discovered previously",
           "SystemProxyInfo: System proxy discovery failed previously",
           "CurrentUserProxyConfig: User proxy config: Use pac file http://s",
+          "CurrentUserProxyConfig: User proxy configuration succeeded.",
+          "CurrentUserProxyConfig: No pac file nor proxy found", "CurrentUserProxyConfig: Using named proxy succeeded.",
           "SystemProxyInfo: Failed to retrieve current user proxy config : ERROR_WINHTTP_TIMEOUT",
           "SystemWideProxyConfig: WinHttpGetDefaultProxyConfiguration failed: ERROR_WINHTTP_TIMEOUT"}) {
         EXPECT_TRUE(AutoLogged(std::string("Try") + line)) << line;

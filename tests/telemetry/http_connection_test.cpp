@@ -12,7 +12,9 @@ public:
 
 TEST_F(HttpConnectionTest, OpensForTls12Only)
 {
+    m_http->errors["CloseHandle"] = {6};
     Connect();
+    EXPECT_TRUE(Logged("E HttpConnection::~HttpConnection: Unable to close connection"));
     EXPECT_EQ(m_http->calls, "Open 1;SetTimeouts 1 2 3 4;SetOption 84 2048;SetOption 133 0;Connect service.example 443;"
                              "CloseHandle 2;CloseHandle 1;");
 }
@@ -105,6 +107,10 @@ TEST_F(HttpConnectionTest, FallsBackToADirectConnectionOnce)
         EXPECT_EQ(Calls("Open 1"), row.sendCount - 1); // reopened for the direct attempt
         EXPECT_EQ(m_http->openHandles, 0);
     }
+    EXPECT_TRUE(Logged("T CHTTPSessionAutoProxy::TrySystemProxyInfo: System proxy discovery not configured"));
+    EXPECT_TRUE(Logged("E HttpConnection::SendRequest: HTTPRequest::Send() failed: "
+                       "ERROR_WINHTTP_NAME_NOT_RESOLVED 12007"));
+    EXPECT_TRUE(Logged("E HttpConnection::SendRequest: HTTPRequest::Send() failed, not retrying"));
 }
 
 TEST_F(HttpConnectionTest, AProxysChallengeIsAnsweredWithEachSchemeOnce)
@@ -152,6 +158,8 @@ TEST_F(HttpConnectionTest, AProxysChallengeIsAnsweredWithEachSchemeOnce)
                     outcome.c_str());
     }
     EXPECT_TRUE(m_tokens->calls.ends_with("Impersonate shell;Revert;")) << m_tokens->calls;
+    EXPECT_TRUE(Logged("T HttpConnection::SendRequest: Clean request failed =0"));
+    EXPECT_THAT(m_log->lines, ::testing::Contains(::testing::EndsWith(": QueryAuthSchemes() failed, err=12019")));
 }
 
 TEST_F(HttpConnectionTest, AChallengeExcusesAMissingCertificateButNoOther)
