@@ -22,7 +22,7 @@ void AddText(TextItems& items, const TextSource& source)
 {
     const auto key = RegistryKey::OpenForReading(source.key);
     if (const auto text = key ? key->QueryWholeText(source.value) : std::nullopt) {
-        items.push_back(source.prefix + ToNarrow(*text));
+        items.push_back(source.prefix + ToUtf8(*text));
     }
 }
 
@@ -100,7 +100,7 @@ TextItems GetGPUInfo()
         if (!adapter) {
             LogWarning("GetGPUInfo: Failed to open " + ToNarrow(adapterPath));
         } else if (const auto text = adapter->QueryWholeText(L"DriverDesc")) {
-            items.push_back(ToNarrow(*text));
+            items.push_back(ToUtf8(*text));
         } else {
             LogWarning("GetGPUInfo: RegQueryValueExW Failed to query 'DriverDesc' in " + ToNarrow(adapterPath));
         }

@@ -30,17 +30,14 @@ TEST(ProductProbes, EngineVersionHasFiveParts)
         ScratchRegistry registry;
         registry.Set(kEngine, L"szVXCoreVersion", text);
         HealthRecord record;
+        LogCapture log;
         GetVXCoreVersion(record);
         EXPECT_EQ((Version{record.vxcore_major, record.vxcore_minor, record.vxcore_patch, record.vxcore_build,
                            record.vxcore_pkg}),
                   version);
+        EXPECT_EQ(log.Has(" WARN: Error: Invalid value in key HKLM\\Software\\Vexora\\AVSolution\\AVS\\AVS"),
+                  version[0] == 255);
     }
-    ScratchRegistry registry;
-    registry.Create(kEngine);
-    HealthRecord record;
-    LogCapture log;
-    GetVXCoreVersion(record);
-    EXPECT_TRUE(log.Has(" WARN: Error: Invalid value in key HKLM\\Software\\Vexora\\AVSolution\\AVS\\AVS"));
 }
 
 TEST(ProductProbes, NumbersOfTheUpdater)
@@ -57,7 +54,6 @@ TEST(ProductProbes, NumbersOfTheUpdater)
         {REG_DWORD, {0x45, 0x23, 1, 0}, 0, 0x2345, " WARN: Invalid value in key " + name},
         {REG_DWORD, {4, 0, 0, 0}, 0, 4, " WARN: Invalid value in key " + name},
         {REG_BINARY, {2}, 2, 65535, ""},
-        {REG_BINARY, {1, 0, 0, 0}, 1, 65535, ""},
         {REG_SZ, ScratchRegistry::Bytes(L"2 as a text"), 0, 65535, " WARN: Unable to read key " + name},
         {REG_NONE, {}, 0, 65535, " WARN: Unable to read key " + name},
     };
@@ -72,10 +68,9 @@ TEST(ProductProbes, NumbersOfTheUpdater)
         HealthRecord record;
         LogCapture log;
         GetThottleMode(record);
-        const auto lines = log.Lines();
         EXPECT_EQ(record.throttle_mode, mode);
-        EXPECT_EQ(lines.size(), warning.empty() ? 2u : 3u);
-        EXPECT_EQ(warning.empty() ? "" : lines[1], warning);
+        EXPECT_EQ(log.Lines().size(), warning.empty() ? 2u : 3u);
+        EXPECT_TRUE(warning.empty() || log.Has(warning));
         GetDATVersionFromReg(record);
         EXPECT_EQ(record.dat_major, content);
         EXPECT_EQ(record.dat_minor, content);
@@ -95,12 +90,10 @@ TEST(ProductProbes, SettingsThatBecomeBits)
         {[](auto&) {}, 0},
         {[&](auto& r) { r.Set(kOptions, L"ProductType", L"ServerNT"); }, 1 << 18},
         {[&](auto& r) { r.Set(kOptions, L"ProductType", L"ServerNt"); }, 0},
-        {[&](auto& r) { r.Set(kOptions, L"ProductType", L"LanmanNT"); }, 0},
         {[&](auto& r) { r.Set(kOptions, L"ProductType", REG_SZ, ScratchRegistry::Bytes(L"ServerNT")); }, 1 << 18},
         {[&](auto& r) { r.Set(kOptions, L"ProductType", REG_SZ, std::vector<BYTE>(63, 'S')); }, 0},
         {[&](auto& r) { r.Set(kQuality, kQualityValue, DWORD{0}); }, 1 << 17},
         {[&](auto& r) { r.Set(kQuality, kQualityValue, DWORD{2}); }, 0},
-        {[&](auto& r) { r.Create(kQuality); }, 0},
         {[&](auto& r) { r.Set(kFileSystem, L"NtfsEnableDirCaseSensitivity", DWORD{1}); }, 1 << 23},
         {[&](auto& r) { r.Set(kFileSystem, L"NtfsEnableDirCaseSensitivity", DWORD{6}); }, 1 << 24},
         {[](auto& r) { r.Set(kAtp, L"enabled", DWORD{3}); }, 1 << 25},
@@ -136,14 +129,14 @@ TEST(TextProbes, EachReadableValueIsAnItem)
     registry.Set(L"Software\\Vexora\\VSC", L"MarketReleaseVer", L"16.0");
     registry.Set(L"HARDWARE\\DESCRIPTION\\System\\CentralProcessor\\0", L"Identifier", REG_SZ,
                  ScratchRegistry::Bytes(L"Family 6"));
-    registry.Set(kAtp, L"BuildNumber", L"4321");
+    registry.Set(kAtp, L"BuildNumber", L"4321\u0416");
     registry.Set((adapters + L"0000").c_str(), L"DriverDesc", L"First");
     registry.Create((adapters + L"0001").c_str());
     registry.Set((adapters + L"0002").c_str(), L"DriverDesc", L"Second");
     TextItems items = CollectTextItems();
     ASSERT_EQ(items.size(), 8u);
     items.erase(items.begin() + 4); // the language is the machine's
-    EXPECT_EQ(items, (TextItems{"10.7.0", "engine", "HSQ_16.0", "Family 6", "4321", "First", "Second"}));
+    EXPECT_EQ(items, (TextItems{"10.7.0", "engine", "HSQ_16.0", "Family 6", "4321\xD0\x96", "First", "Second"}));
     EXPECT_TRUE(log.Has("TRACE: GetProductInfo: 10.7.0, engine, HSQ_16.0"));
     EXPECT_TRUE(log.Has(" WARN: GetGPUInfo: RegQueryValueExW Failed to query 'DriverDesc' in " + logged + "0001"));
 }

@@ -68,16 +68,9 @@ TEST(TraceProperties, AreLaidOutAsWindowsReadsThem)
         std::size_t offset;
         ULONG current, old; ///< from Windows version 6 on, and before
     } kFields[] = {
-        {0, 4224, 4224}, // Wnode.BufferSize
-        {40, 1, 2},      // Wnode.ClientContext
-        {44, 0x20000, 0x20000},
-        {48, 1024, 1024}, // BufferSize
-        {52, 256, 256},
-        {56, 276, 276},
-        {60, 10240, 10},   // MaximumFileSize
-        {64, 0x2001, 1},   // LogFileMode
-        {112, 120, 120},   // LogFileNameOffset
-        {116, 2168, 2168}, // LoggerNameOffset
+        // Wnode's sizes and clock, buffers, MaximumFileSize, LogFileMode, offsets of the file's and the session's name
+        {0, 4224, 4224}, {40, 1, 2},      {44, 0x20000, 0x20000}, {48, 1024, 1024}, {52, 256, 256},
+        {56, 276, 276},  {60, 10240, 10}, {64, 0x2001, 1},        {112, 120, 120},  {116, 2168, 2168},
     };
     const auto current = MakeTraceProperties(file, true);
     const auto old = MakeTraceProperties(file, false);
@@ -98,11 +91,10 @@ TEST(TraceProperties, AreLaidOutAsWindowsReadsThem)
 
 TEST(UpdaterTracing, StartsOrReusesASessionAndEnablesWhatIsNotRegistered)
 {
-    using Enabled = std::vector<std::tuple<TRACEHANDLE, unsigned long, ULONG>>;
     const struct {
         ULONG start, query, enumerate, enable;
         DWORD result;
-        Enabled enabled;
+        decltype(ScriptedTracing::enabled) enabled;
         std::string line;
     } kCases[] = {
         {0, 0, 0, 0, 0, {{7, 2, 5}}, "TRACE: Now Logging."},
@@ -150,35 +142,19 @@ TEST(UpdaterTracing, StoppingSaysHowItWent)
     }
 }
 
-TEST(UpdaterTracing, Needs151Mebibytes)
-{
-    EXPECT_FALSE(HasRoomForTrace(151 * 1048576ULL - 1));
-    EXPECT_TRUE(HasRoomForTrace(151 * 1048576ULL));
-}
-
-TEST(UpdaterTracing, TheProvidersOfThisBuildAreUnderstood)
-{
-    TraceProviders providers;
-    EXPECT_EQ(populateGUID(providers), 0u);
-    ASSERT_EQ(providers.size(), 1u);
-    EXPECT_EQ(providers[0].level, 4u);
-    EXPECT_EQ(providers[0].id.Data1, 0x3E8C7A52u);
-}
-
-TEST(TraceFiles, BearTheirTimeAndMayNotGo)
-{
-    SYSTEMTIME time{};
-    time.wYear = 2026, time.wMonth = 2, time.wDay = 3, time.wHour = 4, time.wMinute = 5, time.wSecond = 6;
-    EXPECT_EQ(TraceFileName(time), L"scupdateETL_20260203.040506.log");
-    EXPECT_FALSE(TrimTraceFiles(std::vector<std::wstring>(10, L"no such file")));
-}
-
-TEST(ProcessList, ParentsAreFoundByTheirId)
+TEST(UpdaterTracing, KnowsItsParentItsProvidersItsFilesAndTheRoomTheyNeed)
 {
     const std::vector<ProcessEntry> processes = {{1, 0, "first"}, {2, 1, "second"}, {3, 99, "orphan"}};
     EXPECT_EQ(ParentName(processes, 2), "first");
     EXPECT_EQ(ParentName(processes, 3), std::nullopt);
-    EXPECT_EQ(ParentName(processes, 4), std::nullopt);
+    TraceProviders providers;
+    EXPECT_EQ(populateGUID(providers), 0u);
+    EXPECT_TRUE(providers.size() == 1 && providers[0].level == 4 && providers[0].id.Data1 == 0x3E8C7A52);
+    const SYSTEMTIME time{2026, 2, 0, 3, 4, 5, 6, 0};
+    EXPECT_EQ(TraceFileName(time), L"scupdateETL_20260203.040506.log");
+    EXPECT_FALSE(TrimTraceFiles(std::vector<std::wstring>(10, L"no such file"))); // they may not go
+    EXPECT_FALSE(HasRoomForTrace(151 * 1048576ULL - 1));
+    EXPECT_TRUE(HasRoomForTrace(151 * 1048576ULL));
 }
 
 } // namespace
