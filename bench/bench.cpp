@@ -198,7 +198,28 @@ void WriteAdapters(const Setting& setting, int count)
                  << number << "]\n\"DriverDesc\"=\"Display Adapter " << number << "\"\n";
     }
     registry.close();
-    Measure({"reg", "import", WindowsPath(file)}, setting.place / "output.txt");
+    const fs::path output = setting.place / "output.txt";
+    if (Measure({"reg", "import", WindowsPath(file)}, output).exitCode != 0) {
+        throw std::runtime_error("the display adapters could not be registered: " + output.string());
+    }
+}
+
+/// A log of so many mebibytes, all of them written.
+void WriteLog(const fs::path& log, std::size_t mebibytes)
+{
+    std::string lines;
+    while (lines.size() < (1U << 20)) {
+        lines += "26/11/21 08:41:36: TRACE: Entering GetConfig\r\n";
+    }
+    lines.resize(1U << 20);
+    std::ofstream file(log, std::ios::binary);
+    for (std::size_t written = 0; written < mebibytes; ++written) {
+        file << lines;
+    }
+    file.close();
+    if (!file) {
+        throw std::runtime_error(log.string() + " could not be written");
+    }
 }
 
 void Grow(service::ReputationService& service, const Setting& setting)
@@ -219,9 +240,8 @@ void Grow(service::ReputationService& service, const Setting& setting)
         first = count == 1 ? time : first;
         PrintGrowth("display adapters", std::to_string(count), time, first);
     }
-    for (const std::uintmax_t mebibytes : {0U, 1024U}) {
-        std::ofstream(log).close();
-        fs::resize_file(log, mebibytes * 1024 * 1024);
+    for (const std::size_t mebibytes : {0U, 1024U}) {
+        WriteLog(log, mebibytes);
         const double time = PulseTime(service, setting, "periodic", log);
         first = mebibytes == 0 ? time : first;
         PrintGrowth("log file", std::to_string(mebibytes) + " MiB", time, first);
@@ -232,6 +252,7 @@ void Grow(service::ReputationService& service, const Setting& setting)
 int Run(const Setting& setting)
 {
     fs::create_directories(setting.place);
+    CheckMeasure(setting.place / "output.txt");
     service::ReputationService service({setting.pki / "server-a.pem", setting.pki / "server-a.key", 8000});
     service.Start();
     Compare(service, setting);

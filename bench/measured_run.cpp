@@ -1,25 +1,19 @@
 #include "measured_run.h"
 
-#include <fcntl.h>
-#include <sys/resource.h>
+#include "platform/lower_case.h"
+
+#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <chrono>
-#include <cstdlib>
 #include <fstream>
+#include <map>
 #include <regex>
 #include <set>
+#include <stdexcept>
 
 namespace vantor::bench {
 namespace {
-
-constexpr unsigned kLongestSeconds = 60;
-
-double Milliseconds(const timeval& time)
-{
-    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_usec) / 1e3;
-}
 
 /// Bytes sent over loopback since this network began: every byte of both directions once.
 double LoopbackBytes()
@@ -35,73 +29,100 @@ double LoopbackBytes()
     return 0;
 }
 
-pid_t Start(const std::vector<std::string>& command, const std::filesystem::path& output, const char* debug)
+/// Runs the command, behind the words that start it, through the small program that measures it.
+Cost Run(const std::vector<std::string>& starter, const std::vector<std::string>& command,
+         const std::filesystem::path& output)
 {
+    const std::string result = output.string() + ".cost";
+    std::vector<std::string> words{VANTOR_TIMED_RUN, result, output.string()};
+    words.insert(words.end(), starter.begin(), starter.end());
+    words.insert(words.end(), command.begin(), command.end());
     std::vector<char*> arguments;
-    arguments.reserve(command.size() + 1);
-    for (const std::string& word : command) {
-        arguments.push_back(const_cast<char*>(word.c_str()));
+    arguments.reserve(words.size() + 1);
+    for (std::string& word : words) {
+        arguments.push_back(word.data());
     }
     arguments.push_back(nullptr);
-    const pid_t child = ::fork();
-    if (child == 0) {
-        ::setenv("WINEDEBUG", debug, 1);
-        ::alarm(kLongestSeconds); // survives the exec; ends a run that hangs
-        const int input = ::open("/dev/null", O_RDONLY);
-        const int file = ::open(output.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-        ::dup2(input, STDIN_FILENO);
-        ::dup2(file, STDOUT_FILENO);
-        ::dup2(file, STDERR_FILENO);
-        ::close_range(STDERR_FILENO + 1, ~0U, 0);
-        ::execvp(arguments[0], arguments.data());
-        ::_exit(127);
-    }
-    return child;
-}
-
-Cost Run(std::vector<std::string> command, const std::filesystem::path& output, const char* debug)
-{
-    command.insert(command.begin(), "wine");
+    std::filesystem::remove(result);
     const double bytesBefore = LoopbackBytes();
-    const auto begin = std::chrono::steady_clock::now();
-    const pid_t child = Start(command, output, debug);
-    int status = 0;
-    rusage used{};
-    ::wait4(child, &status, 0, &used);
+    pid_t child = 0;
+    if (::posix_spawn(&child, arguments[0], nullptr, nullptr, arguments.data(), environ) == 0) {
+        ::waitpid(child, nullptr, 0);
+    }
     Cost cost;
-    cost.wallMs = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count();
-    cost.cpuMs = Milliseconds(used.ru_utime) + Milliseconds(used.ru_stime);
-    cost.peakMib = static_cast<double>(used.ru_maxrss) / 1024;
+    double peakKib = 0;
+    if (!(std::ifstream(result) >> cost.wallMs >> cost.cpuMs >> peakKib >> cost.exitCode)) {
+        throw std::runtime_error(words[0] + " measured nothing");
+    }
+    cost.peakMib = peakKib / 1024;
     cost.wireBytes = LoopbackBytes() - bytesBefore;
-    cost.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     return cost;
 }
+
+/// Reads from Wine's record which keys were opened. A key is opened by its name below the key of a handle, so the
+/// handles of each process are followed. Records look like this, process and thread before them:
+/// "trace:reg:NtOpenKeyEx (0x24,L"Software\\Name",...)", "trace:reg:NtOpenKeyEx <- 0x38".
+class KeyRecord {
+public:
+    void Take(const std::string& line)
+    {
+        static const std::regex kCall(R"re((\w+):(\w+):trace:reg:Nt(?:OpenKeyEx|CreateKey) \((\S+?),L"(.*?)",.*)re");
+        static const std::regex kResult(R"re((\w+):(\w+):trace:reg:Nt(?:OpenKeyEx|CreateKey) <- (0x\w+).*)re");
+        std::smatch found;
+        if (std::regex_match(line, found, kCall)) {
+            const auto below = m_pathByHandle.find({found[1], found[3]});
+            std::string path = below == m_pathByHandle.end() ? std::string() : below->second;
+            path += (path.empty() || found[4].length() == 0 ? "" : R"(\\)") + LowerCase(found[4].str());
+            m_asked[found[2]] = path;
+            m_paths.insert(std::move(path));
+        } else if (std::regex_match(line, found, kResult)) {
+            m_pathByHandle[{found[1], found[3]}] = m_asked[found[2]];
+        }
+    }
+    std::size_t Count() const { return m_paths.size(); }
+
+private:
+    std::map<std::string, std::string> m_asked; ///< by thread
+    std::map<std::pair<std::string, std::string>, std::string> m_pathByHandle;
+    std::set<std::string> m_paths;
+};
 
 } // namespace
 
 Cost Measure(const std::vector<std::string>& command, const std::filesystem::path& output)
 {
-    return Run(command, output, "-all");
+    return Run({"wine"}, command, output);
 }
 
 Touched Trace(const std::vector<std::string>& command, const std::filesystem::path& output)
 {
-    Run(command, output, "-all,+file,+reg");
-    // "trace:file:NtCreateFile handle=... name=L"..."", "trace:reg:NtOpenKeyEx (0x...,L"Name",...)"
+    const Cost cost = Run({"env", "WINEDEBUG=-all,+pid,+file,+reg", "wine"}, command, output);
+    if (cost.exitCode != 0) {
+        throw std::runtime_error("the traced run ended with " + std::to_string(cost.exitCode) + ": " + command.front());
+    }
     const std::regex file(R"re(trace:file:NtCreateFile .*name=(L".*?") )re");
-    const std::regex key(R"re(trace:reg:Nt(?:OpenKeyEx|CreateKey) \((.*?L".*?"))re");
     std::set<std::string> files;
-    std::set<std::string> keys;
+    KeyRecord keys;
     std::ifstream record(output);
     std::smatch found;
     for (std::string line; std::getline(record, line);) {
         if (std::regex_search(line, found, file)) {
             files.insert(found[1]);
-        } else if (std::regex_search(line, found, key)) {
-            keys.insert(found[1]);
+        } else {
+            keys.Take(line);
         }
     }
-    return {files.size(), keys.size()};
+    return {files.size(), keys.Count()};
+}
+
+void CheckMeasure(const std::filesystem::path& output)
+{
+    constexpr double kMostMib = 8;
+    const Cost cost = Run({}, {"true"}, output);
+    if (cost.exitCode != 0 || cost.peakMib > kMostMib) {
+        throw std::runtime_error("a program that does nothing seems to take " + std::to_string(cost.peakMib) +
+                                 " MiB: the figures would hold the memory of the measuring program");
+    }
 }
 
 } // namespace vantor::bench

@@ -17,16 +17,21 @@ struct Cost {
     int exitCode = -1;
 };
 
-/// Runs "wine COMMAND..." to its end, its output in the file. It is ended after a minute.
+/// Throws std::runtime_error when a program that does nothing seems to take much memory, because that of the measuring
+/// program is counted.
+void CheckMeasure(const std::filesystem::path& output);
+
+/// Runs "wine COMMAND..." to its end, its output in the file. It is ended after a minute. Throws std::runtime_error when
+/// nothing could be measured.
 Cost Measure(const std::vector<std::string>& command, const std::filesystem::path& output);
 
 /// What a run touched.
 struct Touched {
-    std::size_t files = 0;        ///< files and folders, by name
-    std::size_t registryKeys = 0; ///< keys, by name
+    std::size_t files = 0;        ///< files and folders, by path
+    std::size_t registryKeys = 0; ///< keys, by path; those that were looked for in vain, too
 };
 
-/// Runs the command once more with Wine's own record of calls.
+/// Runs the command once more with Wine's own record of calls. Throws std::runtime_error when it fails.
 Touched Trace(const std::vector<std::string>& command, const std::filesystem::path& output);
 
 } // namespace vantor::bench
