@@ -29,7 +29,15 @@ std::string AsContentPart(std::uint64_t value, const HealthRecord& /*record*/)
 
 std::string AsMemory(std::uint64_t value, const HealthRecord& /*record*/)
 {
-    return value == 0 ? "not running, or below 10 MiB" : "about " + std::to_string(value * 10) + " MiB";
+    return value == 0 ? "not running, below 10 MiB, or not readable"
+                      : "about " + std::to_string(value * 10) + " MiB (modulo 2,560)";
+}
+
+/// Of the process whose running a bit tells.
+std::string AsShieldMemory(std::uint64_t value, const HealthRecord& record)
+{
+    const bool isSmall = value == 0 && record.bitfield_test_results.Test(ResultBit::vxshield);
+    return isSmall ? "below 10 MiB, or not readable" : value == 0 ? "not running" : AsMemory(value, record);
 }
 
 std::string AsWord(std::uint64_t value, const HealthRecord& /*record*/)
@@ -79,7 +87,7 @@ constexpr KnownField kFields[] = {
     {"rep_communicator_minor", "reputation communicator version, second part"},
     {"rep_communicator_patch", "reputation communicator version, third part"},
     {"rep_communicator_build", "reputation communicator version, fourth part"},
-    {"vxshield_mem_10mb", "working set of vxshield.exe", AsMemory},
+    {"vxshield_mem_10mb", "working set of vxshield.exe", AsShieldMemory},
     {"vxeatp_mem_10mb", "working set of vxeatp.exe", AsMemory},
     {"bitfield_test_results", "test results", AsWord},
     {"count", "counter of this mode", AsCounter},
@@ -121,7 +129,7 @@ constexpr KnownBit kBits[] = {
     {ResultBit::atp_enabled, "ATP is enabled"},
     {ResultBit::atp_observe_mode_enabled, "ATP only observes"},
     {ResultBit::teams, "teams.exe is running"},
-    {ResultBit::ipv6, "the service is reached over IPv6"},
+    {ResultBit::ipv6, "the product prefers IPv6"},
 };
 
 } // namespace

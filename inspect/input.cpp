@@ -10,6 +10,7 @@ namespace {
 using nlohmann::ordered_json;
 
 constexpr std::string_view kBlanks = " \t\r\n";
+constexpr std::size_t kInputLimitBytes = 256U << 20;
 constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 constexpr std::string_view kUtf16Marks[] = {"\xFF\xFE", "\xFE\xFF"};
 constexpr std::string_view kBase64Characters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/=";
@@ -88,12 +89,14 @@ Input ReadLogInput(const std::vector<LogMessage>& messages)
     return input;
 }
 
-Input ReadReportInput(std::string_view text)
+/// The bytes of the file before the text count in what is said of a byte.
+Input ReadReportInput(std::string_view text, std::size_t bytesBefore)
 {
     const std::size_t foreign = text.find_first_not_of(std::string(kBase64Characters) + std::string(kBlanks));
     if (foreign != std::string_view::npos) {
-        throw InputError("this is no log, no JSON and no Base64 report: byte " + std::to_string(foreign + 1) +
-                         " is \"" + PrintableText(text.substr(foreign, 1)) + '"');
+        throw InputError("this is no log, no JSON and no Base64 report: byte " +
+                         std::to_string(bytesBefore + foreign + 1) + " is \"" + PrintableText(text.substr(foreign, 1)) +
+                         '"');
     }
     std::string base64(text);
     std::erase_if(base64, [](char character) { return kBlanks.find(character) != std::string_view::npos; });
@@ -106,15 +109,33 @@ Input ReadReportInput(std::string_view text)
 
 } // namespace
 
+std::string ReadWhole(std::istream& stream)
+{
+    std::string text;
+    std::vector<char> piece(1U << 16);
+    while (stream.read(piece.data(), static_cast<std::streamsize>(piece.size())) || stream.gcount() > 0) {
+        text.append(piece.data(), static_cast<std::size_t>(stream.gcount()));
+        if (text.size() > kInputLimitBytes) {
+            throw InputError("it is larger than 256 MiB; the end of a log will do");
+        }
+    }
+    if (stream.bad()) {
+        throw InputError("reading fails");
+    }
+    return text;
+}
+
 Input ReadInput(std::string_view text)
 {
+    std::size_t markSize = 0;
     for (const std::string_view mark : kUtf16Marks) {
         if (text.starts_with(mark)) {
             throw InputError("the text is UTF-16, as PowerShell's \">\" writes it; save it as UTF-8 or ASCII");
         }
     }
     if (text.starts_with(kUtf8Mark)) {
-        text.remove_prefix(kUtf8Mark.size());
+        markSize = kUtf8Mark.size();
+        text.remove_prefix(markSize);
     }
     const std::string_view trimmed = Trimmed(text);
     if (trimmed.empty()) {
@@ -123,7 +144,9 @@ Input ReadInput(std::string_view text)
     if (const auto messages = ReadLogMessages(text); !messages.empty()) {
         return ReadLogInput(messages);
     }
-    return trimmed.front() == '{' ? ReadJsonInput(text) : ReadReportInput(text);
+    // Lines whose first one was cut off are JSON nevertheless.
+    const bool isJson = trimmed.front() == '{' || text.find("\n{") != std::string_view::npos;
+    return isJson ? ReadJsonInput(text) : ReadReportInput(text, markSize);
 }
 
 std::vector<DatedPulse> LastPulses(const Input& input, std::size_t count)

@@ -4,6 +4,7 @@
 #include "inspect/pulse_text.h"
 #include "inspect/run_log.h"
 
+#include <istream>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -23,6 +24,9 @@ class InputError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
+
+/// All that is left of the stream. Throws InputError when that is more than 256 MiB, or reading fails.
+std::string ReadWhole(std::istream& stream);
 
 /// Finds out what the text is and reads it. Line breaks around and within a Base64 report are passed over, as they come
 /// with a mail. Throws InputError when the text is nothing that holds a pulse.

@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <charconv>
 #include <fstream>
-#include <istream>
 #include <limits>
 #include <ostream>
 
@@ -18,7 +17,6 @@ namespace {
 
 constexpr int kExitMalformed = 1;
 constexpr int kExitWrongOptions = 2;
-constexpr std::size_t kInputLimitBytes = 256U << 20;
 constexpr std::string_view kStandardInput = "-";
 
 constexpr char kHelp[] =
@@ -92,23 +90,10 @@ Options ParseOptions(const std::vector<std::string>& arguments)
     if (options.difference && options.files.size() > 2) {
         throw OptionError("--diff takes one file or two");
     }
+    if (options.difference && options.last != Options().last) {
+        throw OptionError("--diff compares the last pulses, so --last does not go with it");
+    }
     return options;
-}
-
-std::string ReadWhole(std::istream& stream)
-{
-    std::string text;
-    std::vector<char> piece(1U << 16);
-    while (stream.read(piece.data(), static_cast<std::streamsize>(piece.size())) || stream.gcount() > 0) {
-        text.append(piece.data(), static_cast<std::size_t>(stream.gcount()));
-        if (text.size() > kInputLimitBytes) {
-            throw InputError("it is larger than 256 MiB; the end of a log will do");
-        }
-    }
-    if (stream.bad()) {
-        throw InputError("reading fails");
-    }
-    return text;
 }
 
 class Inspector {
@@ -128,7 +113,11 @@ public:
                     Complain(file, problem);
                 }
                 if (m_options.difference) {
-                    const auto pulses = LastPulses(input, m_options.files.size() == 1 ? 2 : 1);
+                    const std::size_t wanted = 3 - m_options.files.size();
+                    const auto pulses = LastPulses(input, wanted);
+                    if (pulses.size() < wanted) {
+                        Complain(file, wanted == 1 ? "there is no pulse in it" : "there are no two pulses to compare");
+                    }
                     compared.insert(compared.end(), pulses.begin(), pulses.end());
                 } else {
                     Show(file, input);
@@ -137,10 +126,8 @@ public:
                 Complain(file, error.what());
             }
         }
-        if (m_options.difference && compared.size() == 2) {
+        if (compared.size() == 2) {
             ShowDifference(compared[0], compared[1]);
-        } else if (m_options.difference) {
-            Complain(m_options.files.back(), "there are no two pulses to compare");
         }
         return m_exitCode;
     }

@@ -31,6 +31,15 @@ void AddChange(std::vector<Change>& changes, const std::string& name, std::strin
     }
 }
 
+std::uint64_t BitsWithoutName(const Pulse& pulse)
+{
+    TestResultBits bits = pulse.report.record.bitfield_test_results;
+    for (const ResultBitName& name : ResultBitNames()) {
+        bits.Set(name.bit, false);
+    }
+    return bits.Word();
+}
+
 /// The items of one list that the other lacks, repetitions counted.
 std::vector<std::string> Missing(std::vector<std::string> from, std::vector<std::string> in)
 {
@@ -69,7 +78,7 @@ PulseDifference Compare(const Pulse& before, const Pulse& after)
         }
     }
     for (const HealthRecordField& field : HealthRecordFields()) {
-        if (field.key != kBitField) {
+        if (field.key != kBitField || BitsWithoutName(before) != BitsWithoutName(after)) {
             AddChange(difference.record, field.key, std::to_string(field.Value(before.report.record)),
                       std::to_string(field.Value(after.report.record)));
         }

@@ -18,7 +18,7 @@ struct Change {
 
 struct PulseDifference {
     std::vector<Change> client; ///< without the request id, which no two pulses share
-    std::vector<Change> record; ///< fields but the word of bits
+    std::vector<Change> record; ///< fields; the word of bits only for bits without a name
     std::vector<Change> bits;   ///< "0" and "1"
     std::vector<std::string> itemsGone;
     std::vector<std::string> itemsNew;

@@ -1,6 +1,7 @@
 #include "inspect/run_log.h"
 
 #include "inspect/run_outcome.h"
+#include "platform/lower_case.h"
 
 #include <algorithm>
 #include <array>
@@ -71,7 +72,8 @@ bool Contains(std::string_view text, std::string_view part)
     return text.find(part) != std::string_view::npos;
 }
 
-/// The record that the log shows as `{ "key": value ... }`; nothing when a field is missing.
+/// The record that the log shows as `{ "key": value ... }`; nothing when a field is missing or holds
+/// no number of its size.
 std::optional<HealthRecord> ParseRecord(std::string_view text)
 {
     std::array<std::uint8_t, HealthRecord::kWireSize> bytes{};
@@ -83,7 +85,8 @@ std::optional<HealthRecord> ParseRecord(std::string_view text)
         }
         std::uint64_t value = 0;
         const std::string_view digits = text.substr(found + name.size());
-        if (std::from_chars(digits.data(), digits.data() + digits.size(), value).ec != std::errc()) {
+        const bool isNumber = std::from_chars(digits.data(), digits.data() + digits.size(), value).ec == std::errc();
+        if (!isNumber || (field.size < sizeof value && value >> (8 * field.size) != 0)) {
             return std::nullopt;
         }
         std::memcpy(bytes.data() + field.offset, &value, field.size);
@@ -116,6 +119,7 @@ public:
     Run Finish()
     {
         m_facts.innermostScope = m_open.empty() ? "" : m_open.back().name;
+        m_facts.hasMode |= m_run.pulse.has_value();
         ConcludeRun(m_run, m_facts);
         return std::move(m_run);
     }
@@ -131,6 +135,9 @@ private:
     {
         const auto depth = std::ranges::count_if(m_open, [](const Scope& scope) { return scope.event.has_value(); });
         m_run.events.push_back({kind, message.line, message.time, WithoutPasswords(text), static_cast<int>(depth)});
+        if (m_open.empty() && (kind == EventKind::stage || kind == EventKind::note)) {
+            m_facts.lastStep = m_run.events.back().text;
+        }
     }
 
     void Open(const LogMessage& message, std::string_view name)
@@ -153,7 +160,8 @@ private:
         if (scope == m_open.rend()) {
             return;
         }
-        if (scope->event && scope->begun && message.time) {
+        if (scope->event && scope->begun && message.time &&
+            *message.time >= *scope->begun) { // the clock may be set back
             m_run.events[*scope->event].duration = *message.time - *scope->begun;
         }
         m_open.erase(std::prev(scope.base()), m_open.end());
@@ -186,6 +194,7 @@ private:
         const std::string_view text = message.text;
         if (const auto argument = Behind(text, "Handling argument ")) {
             m_run.arguments.push_back(WithoutPasswords(*argument));
+            m_facts.hasMode |= LowerCase(std::string(*argument)).starts_with("/hcmode=");
         } else if (text.starts_with(R"({"ci":)")) {
             TakeBody(message);
         } else if (const auto record = Behind(text, "Sending: "); record && !m_run.pulse) {
@@ -195,7 +204,7 @@ private:
         } else if (Behind(text, kProxyOrigins)) {
             TakeProxy(message);
         } else if (Behind(text, kNotes)) {
-            AddEvent(EventKind::note, message, text.substr(0, text.find('\n')));
+            AddEvent(EventKind::note, message, text);
         }
     }
 

@@ -20,7 +20,7 @@ struct RunEvent {
     std::optional<std::chrono::sys_seconds> time;
     std::string text;                               ///< as logged, without passwords; of a stage its name
     int depth = 0;                                  ///< how many stages are around it
-    std::optional<std::chrono::seconds> duration{}; ///< of a stage that was left and whose log has times
+    std::optional<std::chrono::seconds> duration{}; ///< of a stage that was left, by a clock that went on
 };
 
 /// How the sending of the report ended.

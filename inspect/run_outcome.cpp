@@ -31,6 +31,8 @@ constexpr Explanation kExplanations[] = {
     {"invalid arguments", "the report is empty or too large"},
 };
 
+constexpr char kStopped[] = ": the run was stopped there, or is still under way";
+
 std::string FirstLine(std::string_view text)
 {
     return std::string(text.substr(0, text.find('\n')));
@@ -65,14 +67,11 @@ std::string CountText(const Run& run, EventKind kind, const std::string& noun)
     return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
 }
 
-std::string SentenceStart(const Run& run, const RunFacts& facts)
+/// What became of the pulse; empty when that is not known, or there was none.
+std::string DeliveryText(const Run& run, const RunFacts& facts)
 {
     const std::string mode =
         run.pulse ? std::string(ModeText(run.pulse->report.record.mode)) + " pulse" : std::string("pulse");
-    if (!facts.fatalError.empty()) {
-        return "The run ended early, with exit code " + std::to_string(facts.exitCode) + ": " +
-               FirstLine(facts.fatalError);
-    }
     switch (run.delivery) {
     case Delivery::failed:
         return "The " + mode + " was not delivered" +
@@ -80,11 +79,35 @@ std::string SentenceStart(const Run& run, const RunFacts& facts)
     case Delivery::delivered:
         return "The " + mode + " was delivered " + WayText(facts);
     case Delivery::unknown:
-        return "The log ends inside " + facts.innermostScope + ": the run was stopped there, or is still under way";
     case Delivery::notTried:
         break;
     }
-    return "The run sent nothing: it had no mode";
+    return {};
+}
+
+/// How the run ended otherwise than by its last stage, as a part of a sentence; empty when nothing tells of that.
+std::string EndText(const RunFacts& facts)
+{
+    if (!facts.fatalError.empty()) {
+        return "the run ended early, with exit code " + std::to_string(facts.exitCode) + ": " +
+               FirstLine(facts.fatalError);
+    }
+    return facts.innermostScope.empty() ? std::string() : "the log ends inside " + facts.innermostScope + kStopped;
+}
+
+std::string SentenceStart(const Run& run, const RunFacts& facts)
+{
+    const std::string delivery = DeliveryText(run, facts);
+    std::string end = EndText(facts);
+    if (!delivery.empty()) {
+        return delivery + (end.empty() ? "" : "; ") + end;
+    }
+    if (!end.empty()) {
+        end.front() = 'T';
+        return end;
+    }
+    return facts.hasMode ? "The log ends before the pulse was sent (after " + FirstLine(facts.lastStep) + ')' + kStopped
+                         : "The run sent nothing: it had no mode";
 }
 
 } // namespace
@@ -96,7 +119,7 @@ void ConcludeRun(Run& run, const RunFacts& facts)
         run.delivery = Delivery::failed;
     } else if (facts.leftSending) {
         run.delivery = Delivery::delivered;
-    } else if (isCut) {
+    } else if (isCut || (facts.hasMode && facts.fatalError.empty())) {
         run.delivery = Delivery::unknown;
     }
     run.outcome = SentenceStart(run, facts) + "; " + CountText(run, EventKind::warning, "warning") + ", " +

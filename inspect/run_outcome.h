@@ -7,16 +7,18 @@ namespace vantor::inspect {
 
 /// What the outcome depends on, gathered from a run's messages.
 struct RunFacts {
-    std::string fatalError;      ///< the error that ended the run
-    int exitCode = 1;            ///< with that error
-    std::string sendFailure;     ///< what the log gives as the reason for a failed sending
-    std::string setUpFailure;    ///< why the connection could not be set up
-    std::string proxy;           ///< the last one that was detected
-    std::string innermostScope;  ///< the operation that was under way at the end of the log
-    bool hasNamedProxy = false;  ///< given on the command line
-    bool fellBack = false;       ///< from the proxy to a direct connection
-    bool isInspected = false;    ///< somebody else's issuer signed the server's certificate
-    bool reachedSending = false; ///< the report was handed over
+    std::string fatalError;                 ///< the error that ended the run
+    int exitCode = 1;                       ///< with that error
+    std::string sendFailure;                ///< what the log gives as the reason for a failed sending
+    std::string setUpFailure;               ///< why the connection could not be set up
+    std::string proxy;                      ///< the last one that was detected
+    std::string innermostScope;             ///< the operation that was under way at the end of the log
+    std::string lastStep = "its beginning"; ///< the last outermost operation or note
+    bool hasMode = false;                   ///< asked for by an option, or in the record
+    bool hasNamedProxy = false;             ///< given on the command line
+    bool fellBack = false;                  ///< from the proxy to a direct connection
+    bool isInspected = false;               ///< somebody else's issuer signed the server's certificate
+    bool reachedSending = false;            ///< the report was handed over
     bool leftSending = false;
 };
 

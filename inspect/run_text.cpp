@@ -11,7 +11,8 @@ namespace {
 
 using nlohmann::ordered_json;
 
-/// A line of the time line shows so much of a message; the line's number leads to the rest.
+/// A line of the time line shows so much of a message, of a note's no more than its first line; the line's number leads
+/// to the rest.
 constexpr std::size_t kShownBytes = 300;
 
 constexpr const char* kKinds[] = {"stage", "note", "proxy", "warning", "error"};
@@ -46,12 +47,14 @@ std::string PulseText(const Run& run)
 
 void WriteEvent(std::ostream& stream, const RunEvent& event)
 {
+    const std::string_view text =
+        std::string_view(event.text)
+            .substr(0, event.kind == EventKind::note ? event.text.find('\n') : std::string::npos);
     const std::string duration = event.duration ? std::to_string(event.duration->count()) + " s" : "";
     stream << std::right << std::setw(8) << event.line << "  " << std::setw(kClockTime.size())
            << (event.time ? FormatUtc(*event.time, kClockTime) : std::string()) << std::setw(7) << duration << "  "
            << std::left << std::setw(7) << kLabels[Index(event.kind)]
-           << std::string(2 * static_cast<std::size_t>(event.depth), ' ') << PrintableText(event.text, kShownBytes)
-           << '\n';
+           << std::string(2 * static_cast<std::size_t>(event.depth), ' ') << PrintableText(text, kShownBytes) << '\n';
 }
 
 } // namespace

@@ -166,12 +166,12 @@ void ShowPulse(const DatedPulse& received, std::ofstream& pulses)
 void ShowEarlierPulses(const std::string& file, ReputationService& service)
 {
     std::ifstream stream(file, std::ios::binary);
-    const std::string text{std::istreambuf_iterator<char>(stream), {}};
-    if (text.empty()) {
-        return;
-    }
     const std::string place = file + ": ";
     try {
+        const std::string text = vantor::inspect::ReadWhole(stream);
+        if (text.empty()) {
+            return;
+        }
         const vantor::inspect::Input input = vantor::inspect::ReadInput(text);
         for (const DatedPulse& pulse : LastPulses(input, ReputationService::kMostKept)) {
             service.AddPulse(pulse);
@@ -225,5 +225,7 @@ int main(int count, char** arguments)
         return Serve(options);
     } catch (const OptionError& error) {
         return Complain(std::string(error.what()) + " (--help lists the options)", kExitWrongOptions);
+    } catch (const std::exception& error) { // such as a --pulses file that goes away, or no memory
+        return Complain(error.what(), kExitCannotStart);
     }
 }

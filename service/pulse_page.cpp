@@ -56,9 +56,11 @@ std::string ClientText(const DatedPulse& pulse, const char* key)
     return member != pulse.pulse.client.end() && member->is_string() ? member->get<std::string>() : std::string();
 }
 
+/// Empty when the pulse does not tell which host it is from.
 std::string HostOf(const DatedPulse& pulse)
 {
-    return ClientText(pulse, "cid") + '\0' + ClientText(pulse, "cliid");
+    return ClientText(pulse, "cliid").empty() ? std::string()
+                                              : ClientText(pulse, "cid") + '\0' + ClientText(pulse, "cliid");
 }
 
 std::string TimeOf(const DatedPulse& pulse)
@@ -69,7 +71,7 @@ std::string TimeOf(const DatedPulse& pulse)
 /// A pulse and the one before it of the same host.
 struct Entry {
     const DatedPulse* pulse;
-    const DatedPulse* before; ///< null for the first
+    const DatedPulse* before; ///< null when none is kept
 };
 
 const Change* FindChange(const std::vector<Change>& changes, std::string_view name)
@@ -107,13 +109,14 @@ private:
         std::map<std::string, const DatedPulse*> latest;
         std::vector<Entry> entries;
         for (const DatedPulse& pulse : pulses) {
-            const DatedPulse*& before = latest[HostOf(pulse)];
+            const std::string host = HostOf(pulse);
+            const DatedPulse*& before = latest[host];
             const HealthRecord& record = pulse.pulse.report.record;
             if ((!isMode || inspect::ModeText(record.mode) == filter.mode) &&
                 (bit == names.end() || record.bitfield_test_results.Test(bit->bit))) {
                 entries.push_back({&pulse, before});
             }
-            before = &pulse;
+            before = host.empty() ? nullptr : &pulse;
         }
         return entries;
     }
@@ -148,7 +151,8 @@ private:
                << Html(ClientText(*entry.pulse, "cid")) << ", " << Html(ClientText(*entry.pulse, "prn")) << "</p>\n";
         WriteVersions(record);
         m_html << "<p class=\"soft\">"
-               << (entry.before == nullptr ? "The first pulse of this host."
+               << (host.empty()              ? "It is compared with no other."
+                   : entry.before == nullptr ? "No earlier pulse of this host is kept."
                    : difference.IsEmpty()
                        ? "Nothing changed since " + TimeOf(*entry.before) + '.'
                        : "Compared with " + TimeOf(*entry.before) + ", " +
@@ -172,13 +176,14 @@ private:
                    << record.vxcore_build;
         }
         m_html << " &middot; content ";
-        if (record.dat_major == ContentVersion::kUnknown) {
-            m_html << "unknown";
-        } else {
-            m_html << record.dat_major << '.' << record.dat_minor;
-        }
-        m_html << " &middot; VANTor " << +record.vantor_major << '.' << +record.vantor_minor << '.'
-               << +record.vantor_patch << '.' << record.vantor_build << "</p>\n";
+        const auto part = [](std::uint16_t number) {
+            return number == ContentVersion::kUnknown ? std::string("unknown") : std::to_string(number);
+        };
+        const bool isUnknown =
+            record.dat_major == ContentVersion::kUnknown && record.dat_minor == ContentVersion::kUnknown;
+        m_html << (isUnknown ? "unknown" : part(record.dat_major) + '.' + part(record.dat_minor)) << " &middot; VANTor "
+               << +record.vantor_major << '.' << +record.vantor_minor << '.' << +record.vantor_patch << '.'
+               << record.vantor_build << "</p>\n";
     }
 
     /// Client members and fields; bits and items are marked where they stand.
@@ -220,7 +225,7 @@ private:
 
     void WriteItems(const std::vector<std::string>& items, const PulseDifference& difference)
     {
-        if (items.empty()) {
+        if (items.empty() && difference.itemsGone.empty()) {
             return;
         }
         m_html << "<h3>Text items</h3>\n<ul>";
@@ -257,6 +262,10 @@ private:
         for (const HealthRecordField& field : HealthRecordFields()) {
             WriteRow(field.key, std::to_string(field.Value(record)), inspect::FieldText(field, record),
                      difference.record);
+        }
+        for (const ResultBitName& name : ResultBitNames()) {
+            WriteRow(name.key, record.bitfield_test_results.Test(name.bit) ? "1" : "0",
+                     std::string(inspect::BitText(name.bit)), difference.bits);
         }
         m_html << "</tbody></table></details>\n";
     }

@@ -76,6 +76,7 @@ check_package_sets=(
     "find faults in the sources|clang clang-tidy cppcheck"
     "fuzz|clang libclang-rt-14-dev"
     "try the program behind a proxy and a name server|squid dnsmasq-base"
+    "look at the service's page in a browser|chromium"
 )
 
 # Names what is missing, with its purpose, and installs it. Asks the package manager for nothing when all is there.

@@ -51,9 +51,12 @@ TEST(InspectCommand, SaysWhatIsMalformedAndGoesOn)
     const std::pair<std::string, std::string> kCases[] = {
         {" \r\n", "there is nothing in it"},
         {"\xFF\xFE{", "the text is UTF-16, as PowerShell's \">\" writes it; save it as UTF-8 or ASCII"},
-        {"DgI\x1B", R"(this is no log, no JSON and no Base64 report: byte 4 is "\x1B")"},
+        {"\xEF\xBB\xBF"
+         "DgI\x1B",
+         R"(this is no log, no JSON and no Base64 report: byte 7 is "\x1B")"},
         {"DgIK", "the record has 3 of 46 bytes"},
         {body + "\n\n" + body.substr(0, 30), "line 3: not valid JSON at byte 31"},
+        {body.substr(30) + "\n" + body, R"(line 1: the body does not begin with "{")"},
         {R"({"received":"now","report":"DgIK"})", R"("received" is not a time such as "2026-01-31T23:59:59Z")"},
         {R"({"report":)" + std::string(5000, '[') + std::string(5000, ']') + "}", "the JSON is nested too deeply"},
         {"TRACE: {\"ci\":1}", R"(line 1: the logged body is no pulse: the body: "ci" is not an object)"},
@@ -66,6 +69,7 @@ TEST(InspectCommand, SaysWhatIsMalformedAndGoesOn)
     EXPECT_NE(Inspect(body + "\n{}").output, "");
     EXPECT_EQ(Inspect("", {"/nowhere/\x1B"}).errors, "vantor-inspect: /nowhere/\\x1B: it cannot be opened\n");
     EXPECT_EQ(Inspect("", {"--lost"}).exitCode, 2);
+    EXPECT_EQ(Inspect("", {"--diff", "--last", "1"}).exitCode, 2);
 }
 
 TEST(InspectCommand, ShowsWhatChanged)
@@ -78,9 +82,13 @@ TEST(InspectCommand, ShowsWhatChanged)
     EXPECT_EQ(shown, "pulse predatupdate\n  -> pulse predatupdate\n"
                      "  client\n    cid                     c-1 -> c-\\x1B\n"
                      "  record\n    os_build                19045 -> 19046\n"
+                     "    bitfield_test_results   268507136 -> 9223372036854847488\n"
                      "  results\n    ipv6                    1 -> 0\n"
                      "  text items\n    - A\n    + C\n");
     const std::string json = Inspect(before + '\n' + after, {"--diff", "--json"}).output;
+    EXPECT_EQ(
+        Inspect("TRACE: x", {"--diff", "-", "/nowhere"}).errors,
+        "vantor-inspect: standard input: there is no pulse in it\nvantor-inspect: /nowhere: it cannot be opened\n");
     EXPECT_NE(json.find(R"("ipv6":["1","0"]},"items":{"gone":["A"],"new":["C"]}})"), std::string::npos) << json;
 }
 

@@ -15,7 +15,7 @@ TEST(RunLog, TellsRunsStagesAndTroubleAndKeepsSecrets)
 26/11/21 08:41:35: TRACE: Leaving SendTelemetry
 26/11/21 08:41:36: TRACE: Entering GetConfig
 26/11/21 08:41:36: TRACE: Handling argument /Password=top secret
-26/11/21 08:41:36: TRACE: Leaving GetConfig
+26/11/21 08:41:35: TRACE: Leaving GetConfig
 26/11/21 08:41:37: TRACE: Entering SendTelemetry
 26/11/21 08:41:37: TRACE: CHTTPProxyManager::X: password: a authentication schemes: b authentication schemes: 1
 26/11/21 08:41:38: TRACE: Entering RESTTelemetry::Send
@@ -26,12 +26,13 @@ TEST(RunLog, TellsRunsStagesAndTroubleAndKeepsSecrets)
     ASSERT_EQ(runs.size(), 2U);
     EXPECT_EQ(RunBlock(runs[1], 2, 2),
               "run 2 of 2, lines 3 to 13\n"
-              "  outcome  The postdatupdate pulse was delivered directly; 1 warning, 0 errors.\n"
+              "  outcome  The postdatupdate pulse was delivered directly; the log ends inside SendTelemetry: the "
+              "run was stopped there, or is still under way; 1 warning, 0 errors.\n"
               "  time     2026-11-21 08:41:36 UTC, 3 s\n"
               "  pulse    below, from the body in line 9\n"
               "  command  /Password=***\n"
               "    line  time        took  kind   what happened\n"
-              "       3  08:41:36    0 s         GetConfig\n"
+              "       3  08:41:36                GetConfig\n"
               "       6  08:41:37                SendTelemetry\n"
               "       7  08:41:37         proxy    password: *** authentication schemes: 1\n"
               "       8  08:41:38    1 s           RESTTelemetry::Send\n"
@@ -43,10 +44,18 @@ TEST(RunLog, PutsTheOutcomeInOneSentence)
 {
     const std::string sending = "TRACE: Entering SendTelemetry\nTRACE: Entering RESTTelemetry::Send\n";
     const std::string sent = sending + "TRACE: Leaving RESTTelemetry::Send\nTRACE: Leaving SendTelemetry\n";
+    const std::string asked =
+        "TRACE: Entering GetConfig\nTRACE: Handling argument /HCMode=x\nTRACE: Leaving GetConfig\n";
     const std::string failed = "ERROR: RESTTelemetry::Send: Send telemetry failed. WinHTTP ";
     const std::string detected = "TRACE: CHTTPSessionAutoProxy::InitProxy: Autoproxy lpszProxy: ";
     const std::pair<std::string, std::string> kCases[] = {
         {"TRACE: Entering GetConfig\nTRACE: Leaving GetConfig\n", "The run sent nothing: it had no mode; 0 warnings"},
+        {asked, "The log ends before the pulse was sent (after GetConfig): the run was stopped there, or is still"},
+        {asked + "TRACE: /delaypostdat waiting\n", "sent (after /delaypostdat waiting): the run"},
+        {sent + "ERROR: Error: bad\n", "was delivered directly; the run ended early, with exit code 1: bad; "},
+        {std::regex_replace("TRACE: Sending: " + RenderHealthRecord({}) + '\n' + sent, std::regex("\"mode\": 0"),
+                            "\"mode\": 259"),
+         "The pulse was delivered"},
         {detected + "p:8080\n" + sent, "The pulse was delivered through the detected proxy p:8080; "},
         {"TRACE: CHTTPProxyManager::InitConfig: session type to NamedSessionProxy\n" + sent, "given on the command"},
         {" WARN: HttpConnection::Query: Using proxy fallback\n" + sent, "directly, after the proxy could not be rea"},

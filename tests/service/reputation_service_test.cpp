@@ -165,12 +165,8 @@ TEST_F(ReputationServiceTest, SaysWhyItCannotStart)
         {{pki + "/server-a.pem", pki + "/server-b.key", 0}, "/server-b.key\": key values mismatch"},
     };
     for (const auto& [config, reason] : kCases) {
-        try {
-            ReputationService(config).Start();
-            ADD_FAILURE() << "started, instead of: " << reason;
-        } catch (const ServiceError& error) {
-            EXPECT_NE(std::string(error.what()).find(reason), std::string::npos) << error.what();
-        }
+        EXPECT_THAT([&config = config] { ReputationService(config).Start(); },
+                    testing::ThrowsMessage<ServiceError>(testing::HasSubstr(reason)));
     }
 }
 
