@@ -170,12 +170,15 @@ public:
         for (int tries = 0; tries < kTries; ++tries) {
             std::string ready;
             int started = 0;
-            if (std::ifstream(setting.place / "idle.txt") >> ready >> started && started == count) {
-                return;
+            if (std::ifstream(setting.place / "idle.txt") >> ready >> started) {
+                if (started == count) {
+                    return;
+                }
+                break;
             }
             ::usleep(100'000);
         }
-        throw std::runtime_error("not every idle process started within two minutes");
+        throw std::runtime_error("not every idle process started, or not within two minutes");
     }
     ~IdleProcesses() { ::pclose(m_process); }
     IdleProcesses(const IdleProcesses&) = delete;

@@ -11,8 +11,9 @@ int main(int argc, char** argv)
     wchar_t self[MAX_PATH];
     ::GetModuleFileNameW(nullptr, self, MAX_PATH);
     std::vector<HANDLE> processes;
-    const long count = argc == 2 ? std::atol(argv[1]) : 0;
-    for (long started = 0; started < count; ++started) {
+    constexpr std::size_t kSpareTries = 20; // Wine does not start every process at once on a busy machine
+    const std::size_t count = argc == 2 ? std::strtoul(argv[1], nullptr, 10) : 0;
+    for (std::size_t tries = 0; processes.size() < count && tries < count + kSpareTries; ++tries) {
         STARTUPINFOW startup{};
         startup.cb = sizeof(startup);
         PROCESS_INFORMATION process{};
