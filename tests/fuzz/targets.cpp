@@ -2,8 +2,8 @@
 // a sanitizer finds does. Each target is a program of its own, which VANTOR_FUZZ_TARGET names.
 #include "health/content_version.h"
 #include "health/dotted_version.h"
-#include "inspect/input.h"
-#include "inspect/run_text.h"
+#include "inspect/inspect_command.h"
+#include "inspect/pulse_text.h"
 #include "option_rules.h"
 #include "platform/multi_string.h"
 #include "recording_logger.h"
@@ -77,8 +77,9 @@ void report(const std::string& input)
 /// An item a word, again and again until there is no room; those that have room are read back.
 void text_block(const std::string& input)
 {
+    const std::vector<std::string> words = Words(input);
     std::vector<std::string> items;
-    for (const std::vector<std::string> words = Words(input); !words.empty() && items.size() < kReportLimitBytes;) {
+    for (std::size_t bytes = 0; !words.empty() && bytes < 2 * kReportLimitBytes; bytes += input.size()) {
         items.insert(items.end(), words.begin(), words.end());
     }
     const TextBlock block = BuildTextBlock(items);
@@ -97,15 +98,17 @@ void pulse(const std::string& input)
     }
 }
 
-/// What vantor-inspect is given, logs above all, and what it shows of them.
+/// What vantor-inspect is given, logs above all: whatever it shows is safe to show, and it complains in words.
 void inspected(const std::string& input)
 {
-    try {
-        const inspect::Input read = inspect::ReadInput(input);
-        for (const inspect::Run& run : read.runs) {
-            Promise(!inspect::JsonLine(inspect::RunJson(run, 1)).empty() && !inspect::RunBlock(run, 1, 1).empty());
-        }
-    } catch (const inspect::InputError&) {
+    for (const std::string option : {"", "--json", "--diff"}) {
+        std::istringstream text(input);
+        std::ostringstream output, errors;
+        const std::vector<std::string> arguments(option.empty() ? 0 : 1, option);
+        const int exitCode = inspect::RunInspect(arguments, text, output, errors);
+        Promise(exitCode == (errors.str().empty() ? 0 : 1) && (exitCode == 1 || !output.str().empty()));
+        const auto isSafe = [](char c) { return c == '\n' || (c >= ' ' && c <= '~'); };
+        Promise(std::ranges::all_of(output.str() + errors.str(), isSafe));
     }
 }
 
