@@ -1,8 +1,6 @@
 // The rules of the command line, written down a second time, and command lines to try them with.
 #pragma once
 
-#include "platform/lower_case.h"
-
 #include <algorithm>
 #include <cstdlib>
 #include <iterator>
@@ -83,7 +81,8 @@ inline std::string Complaint(const std::vector<std::string>& arguments)
     }
     std::map<std::string, std::string> given; // what has its preset value is as if it were missing
     for (const std::string& argument : arguments) {
-        const std::string name = LowerCase(argument.substr(0, argument.find('=')));
+        std::string name = argument.substr(0, argument.find('='));
+        std::ranges::transform(name, name.begin(), [](char c) { return c < 'A' || c > 'Z' ? c : char(c | 0x20); });
         const std::string value = argument.substr(std::min(name.size() + 1, argument.size()));
         const std::string kind = kinds[name];
         const bool isMissing = argument.size() == name.size() || (value.empty() && kind != "any");

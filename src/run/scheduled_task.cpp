@@ -9,6 +9,8 @@
 #include <taskschd.h>
 
 #include <chrono>
+#include <ctime>
+#include <optional>
 #include <stdexcept>
 #include <string>
 
@@ -27,6 +29,28 @@ void Require(HRESULT result, const std::string& message, const std::string& deta
     if (FAILED(result)) {
         throw StepFailure(message + ResultText(result) + details);
     }
+}
+
+/// The time as Windows shows it. The C runtime's conversion would obey an environment variable TZ.
+std::tm WindowsLocalTime(std::chrono::sys_seconds time)
+{
+    constexpr long long kSecondsFrom1601To1970 = 11'644'473'600;
+
+    ULARGE_INTEGER ticks;
+    ticks.QuadPart = static_cast<ULONGLONG>(time.time_since_epoch().count() + kSecondsFrom1601To1970) * 10'000'000;
+    const FILETIME file{ticks.LowPart, ticks.HighPart};
+    SYSTEMTIME utc{};
+    SYSTEMTIME local{};
+    ::FileTimeToSystemTime(&file, &utc);
+    ::SystemTimeToTzSpecificLocalTime(nullptr, &utc, &local);
+    std::tm result{};
+    result.tm_year = local.wYear - 1900;
+    result.tm_mon = local.wMonth - 1;
+    result.tm_mday = local.wDay;
+    result.tm_hour = local.wHour;
+    result.tm_min = local.wMinute;
+    result.tm_sec = local.wSecond;
+    return result;
 }
 
 /// The Task Scheduler's root folder. The two messages are those of the callers, which word them differently.
@@ -93,10 +117,11 @@ void AddAction(const ComPointer<ITaskDefinition>& task, const std::string& argum
     ComPointer<IExecAction> execAction;
     Require(action->QueryInterface(IID_IExecAction, execAction.ReceiveUntyped()),
             "QueryInterface call failed for IExecAction: ");
-    const std::wstring program = ProgramPath().value_or(L"");
-    Require(program.empty() ? HRESULT_FROM_WIN32(ERROR_INSUFFICIENT_BUFFER)
-                            : CallWithText(execAction, &IExecAction::put_Path, program),
-            "Cannot put action path: ", " path: " + ToNarrow(program));
+    ::SetLastError(ERROR_INSUFFICIENT_BUFFER); // not every Windows sets it for a path that does not fit
+    const std::optional<std::wstring> program = ProgramPath();
+    const HRESULT noProgram = HRESULT_FROM_WIN32(::GetLastError());
+    Require(program ? CallWithText(execAction, &IExecAction::put_Path, *program) : noProgram,
+            "Cannot put action path: ", " path: " + ToNarrow(program.value_or(L"")));
     Require(CallWithText(execAction, &IExecAction::put_Arguments, ToWide(arguments)),
             "Cannot put action arguments: ", " arg: " + arguments);
 }
@@ -141,7 +166,7 @@ void CreateTask(const RunConfig& config, bool isConsumerProduct, const std::wstr
 {
     const NextRun next = NextRunAfter(config);
     const auto now = std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
-    const TaskWindow window = WindowAfter(now, next.delay);
+    const TaskWindow window = WindowAfter(now, next.delay, WindowsLocalTime);
     const std::string arguments = TaskArguments(config, next.count);
     try {
         const Scheduler scheduler("Failed to create an instance of ITaskService: ", "Cannot get Root folder pointer: ");

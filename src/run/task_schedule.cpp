@@ -2,7 +2,6 @@
 
 #include "run/option_error.h"
 
-#include <ctime>
 #include <span>
 
 namespace vantor {
@@ -22,17 +21,10 @@ std::span<const seconds> Series(const RunConfig& config)
     return config.test ? std::span<const seconds>(kTestDelays) : std::span<const seconds>(kDelays);
 }
 
-std::string LocalTime(std::chrono::sys_seconds time)
+std::string Boundary(const std::tm& time)
 {
-    const std::time_t value = std::chrono::system_clock::to_time_t(time);
-    std::tm local{};
-#ifdef _WIN32
-    ::localtime_s(&local, &value);
-#else
-    ::localtime_r(&value, &local);
-#endif
     char text[sizeof("2000-01-01T00:00:00")] = "";
-    std::strftime(text, sizeof(text), "%Y-%m-%dT%H:%M:%S", &local);
+    std::strftime(text, sizeof(text), "%Y-%m-%dT%H:%M:%S", &time);
     return text;
 }
 
@@ -84,9 +76,9 @@ std::string TaskArguments(const RunConfig& config, std::optional<std::uint8_t> n
     return text;
 }
 
-TaskWindow WindowAfter(std::chrono::sys_seconds now, std::chrono::seconds delay)
+TaskWindow WindowAfter(std::chrono::sys_seconds now, std::chrono::seconds delay, LocalTime localTime)
 {
-    return {LocalTime(now + delay), LocalTime(now + delay + kWindow)};
+    return {Boundary(localTime(now + delay)), Boundary(localTime(now + delay + kWindow))};
 }
 
 } // namespace vantor

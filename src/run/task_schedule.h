@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <ctime>
 #include <optional>
 #include <string>
 
@@ -34,7 +35,10 @@ struct TaskWindow {
     std::string end;
 };
 
+/// A time in the machine's zone.
+using LocalTime = std::tm (*)(std::chrono::sys_seconds time);
+
 /// The window that opens after the delay and stays open for three days, those of a clock change included.
-TaskWindow WindowAfter(std::chrono::sys_seconds now, std::chrono::seconds delay);
+TaskWindow WindowAfter(std::chrono::sys_seconds now, std::chrono::seconds delay, LocalTime localTime);
 
 } // namespace vantor

@@ -52,13 +52,11 @@ std::string ReadFile(const fs::path& path)
 
 std::vector<std::string> ReadLog(const fs::path& path)
 {
-    std::vector<std::string> lines;
-    const std::string text = ReadFile(path);
-    for (std::size_t begin = 0, end; (end = text.find("\r\n", begin)) != std::string::npos; begin = end + 2) {
-        const std::string line = text.substr(begin, end - begin);
+    std::vector<std::string> lines = ReadLines(path);
+    for (std::string& line : lines) {
         // Only a line of ours has a stamp; a reply's headers in the log have none.
         const bool isStamped = line.size() >= kStampLength && line[2] == '/' && line[kStampLength - 2] == ':';
-        lines.push_back(isStamped ? line.substr(kStampLength) : line);
+        line.erase(line.find_last_not_of('\r') + 1).erase(0, isStamped ? kStampLength : 0);
     }
     return lines;
 }
@@ -86,24 +84,13 @@ pid_t Start(const std::vector<std::string>& command, const fs::path& output, con
     return child;
 }
 
-/// Runs a program of this machine, its output in files; the time limit is the script's that it runs through.
-int Run(const std::vector<std::string>& command, const fs::path& output, const fs::path& error)
-{
-    const pid_t child = Start(command, output, error);
-    int status = 0;
-    EXPECT_EQ(::waitpid(child, &status, 0), child);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
 Outcome RunUnderWine(std::vector<std::string> command, std::vector<std::string> settings = {})
 {
     const fs::path output = ScratchFolder() / "stdout.txt";
     const fs::path error = ScratchFolder() / "stderr.txt";
-    Outcome outcome;
-    outcome.exitCode = Run(UnderWine(std::move(command), std::move(settings)), output, error);
-    outcome.standardOutput = ReadFile(output);
-    outcome.standardError = ReadFile(error);
-    return outcome;
+    int status = 0; // the time limit is the script's that runs it
+    EXPECT_GT(::waitpid(Start(UnderWine(std::move(command), std::move(settings)), output, error), &status, 0), 0);
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadFile(output), ReadFile(error), {}};
 }
 
 std::string CopyOfStandIn(const std::string& name)
@@ -150,9 +137,7 @@ std::string WindowsPath(const fs::path& path)
 
 std::string Escaped(const std::string& path)
 {
-    return std::regex_replace(path, std::regex(R"(\\)"),
-                              R"(\\)"
-                              R"(\\)");
+    return std::regex_replace(path, std::regex("\\\\"), "\\\\");
 }
 
 Outcome RunProgram(std::vector<std::string> arguments, std::vector<std::string> settings)

@@ -16,7 +16,6 @@ TEST(LogLine, TimeLevelAndMessage)
     EXPECT_EQ(FormatLogLine(time + 1h, LogLevel::warning, "b"), "05/03/01 00:04:09:  WARN: b\r\n");
     EXPECT_EQ(FormatLogLine(time, LogLevel::error, ""), "05/02/28 23:04:09: ERROR: \r\n");
     EXPECT_EQ(LevelPrefix(static_cast<LogLevel>(0)), "ERROR: ");
-    EXPECT_EQ(LevelPrefix(static_cast<LogLevel>(4)), "ERROR: ");
 }
 
 TEST(PostUpdateDelay, WaitsOnceForOneToTenMinutes)

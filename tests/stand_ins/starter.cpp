@@ -1,29 +1,14 @@
 // A program that starts another one and waits for it, as the product's updater does.
-#include <windows.h>
+#include <process.h>
 
-#include <cwchar>
+#include <string>
 
-/// starter COMMAND...: runs the command line behind its own name; gives its exit code, or 255 when it did not end.
-int main()
+/// starter COMMAND...: runs the command behind its own name; gives its exit code.
+int main(int argc, char** argv)
 {
-    constexpr DWORD kLongestMs = 50'000;
-
-    wchar_t* command = ::GetCommandLineW();
-    const bool isQuoted = *command == L'"';
-    command = std::wcschr(command + 1, isQuoted ? L'"' : L' ');
-    command += isQuoted ? 2 : 1;
-
-    STARTUPINFOW start{};
-    start.cb = sizeof(start);
-    PROCESS_INFORMATION process{};
-    if (!::CreateProcessW(nullptr, command, nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start, &process)) {
-        return 254;
+    std::string line;
+    for (int index = 1; index < argc; ++index) {
+        line += '"' + std::string(argv[index]) + "\" ";
     }
-    DWORD exitCode = 255;
-    if (::WaitForSingleObject(process.hProcess, kLongestMs) == WAIT_OBJECT_0) {
-        ::GetExitCodeProcess(process.hProcess, &exitCode);
-    }
-    ::CloseHandle(process.hThread);
-    ::CloseHandle(process.hProcess);
-    return static_cast<int>(exitCode);
+    return static_cast<int>(::_spawnl(_P_WAIT, argv[1], line.c_str(), nullptr));
 }

@@ -1,6 +1,5 @@
 // Stands in for the product's access-protection module (health/aac_control.h): it protects nothing, but tells what it
 // was asked. Environment variables rule it, read at every call:
-//
 //   VXEAACA_RECORD     the file that gets a line for every call, with its arguments
 //   VXEAACA_VERSIONS   the interface names it supports, parted by blanks; all when it is not set
 //   VXEAACA_REFUSE     the operation that fails with error 5 or, with ":null" behind it, that hands out nothing
@@ -8,8 +7,10 @@
 
 #include <objbase.h>
 
-#include <cstdio>
+#include <cwchar>
 #include <deque>
+#include <filesystem>
+#include <fstream>
 #include <string>
 #include <type_traits>
 
@@ -53,13 +54,9 @@ std::wstring Text(const wchar_t* path, DWORD accessMask)
 /// Records the call; an error when it is to be refused.
 DWORD Called(const std::wstring& operation, const std::wstring& arguments = L"")
 {
-    if (std::FILE* const record = ::_wfopen(Setting(L"VXEAACA_RECORD").c_str(), L"ab")) {
-        const std::wstring text = arguments.empty() ? operation : operation + L' ' + arguments;
-        char line[4096] = "";
-        ::WideCharToMultiByte(CP_UTF8, 0, text.c_str(), -1, line, sizeof(line), nullptr, nullptr);
-        std::fprintf(record, "%s\n", line);
-        std::fclose(record);
-    }
+    const std::filesystem::path text = (arguments.empty() ? operation : operation + L' ' + arguments) + L'\n';
+    std::ofstream(std::filesystem::path(Setting(L"VXEAACA_RECORD")), std::ios::binary | std::ios::app)
+        << reinterpret_cast<const char*>(text.u8string().c_str());
     return Setting(L"VXEAACA_REFUSE") == operation ? ERROR_ACCESS_DENIED : ERROR_SUCCESS;
 }
 

@@ -1,0 +1,27 @@
+// many_runs COUNT APARTMENT OPTION...: runs the program so often in this one process. Prints how many handles and KiB of
+// memory it has after each run. Ends with what comes of initialising COM then; with APARTMENT it does so before, too.
+#include "run/run_driver.h"
+
+#include <windows.h>
+
+#include <objbase.h>
+#include <psapi.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+int main(int argc, char** argv)
+{
+    if (*argv[2] != '\0') {
+        ::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+    }
+    for (int run = std::atoi(argv[1]); run > 0; --run) {
+        vantor::RunPulse(argc - 2, argv + 2);
+        DWORD handles = 0;
+        PROCESS_MEMORY_COUNTERS memory{};
+        ::GetProcessHandleCount(::GetCurrentProcess(), &handles);
+        ::GetProcessMemoryInfo(::GetCurrentProcess(), &memory, sizeof(memory));
+        std::printf("%lu %lu ", handles, static_cast<unsigned long>(memory.WorkingSetSize / 1024));
+    }
+    return ::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+}
