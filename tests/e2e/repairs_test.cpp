@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <fstream>
 #include <iterator>
 
@@ -15,6 +14,7 @@ namespace fs = std::filesystem;
 
 constexpr char kService[] = R"(HKLM\SYSTEM\CurrentControlSet\Services\vxedisk)";
 constexpr char kQuality[] = R"(HKLM\SOFTWARE\Microsoft\Windows\CurrentVersion\QualityCompat)";
+const std::string kFailed = "Failed on initialization scoped access protection exclusion object.";
 constexpr char kQualityValue[] = "cadca5fe-87d3-4b96-b7fb-a231484277cc";
 
 /// A driver that was left to be deleted, disabled although the disk stack lists it, on an old product platform.
@@ -29,6 +29,9 @@ constexpr char kBrokenMachine[] = R"(
 "system_core_version"="20.4.0.112"
 )";
 
+constexpr char kCid[] = "VXSHIELDGLOBAL\\GLOBAL]\n\"customerid";
+constexpr char kLog[] = "DS\\DS]\n\"szVanTORLog";
+
 /// The broken machine with one text of it replaced.
 std::string Machine(const std::string& text, const std::string& other)
 {
@@ -36,12 +39,15 @@ std::string Machine(const std::string& text, const std::string& other)
     return machine.replace(machine.find(text), text.size(), other);
 }
 
-/// Bits 19 to 22 of the only pulse that arrives.
-unsigned DriverBits(const LocalService& service)
+/// The broken machine with a text value of so many bytes: x and 0 in turn.
+std::string WithText(const std::string& value, std::size_t size)
 {
-    const auto pulses = service.Pulses();
-    EXPECT_EQ(pulses.size(), 1u);
-    return pulses.empty() ? 0 : pulses[0].pulse.report.record.bitfield_test_results.Word() >> 19 & 15;
+    std::string bytes;
+    while (bytes.size() < 3 * size) {
+        bytes += "78,00,";
+    }
+    bytes.resize(size == 0 ? 0 : 3 * size - 1);
+    return kBrokenMachine + (R"([HKEY_LOCAL_MACHINE\SOFTWARE\Vexora\AVSolution\)" + value + "\"=hex:" + bytes + '\n');
 }
 
 TEST(Repairs, BeforeAndAfter)
@@ -50,7 +56,9 @@ TEST(Repairs, BeforeAndAfter)
         std::vector<std::string> arguments;
         std::string machine;
         std::string start, deleteFlag, quality; ///< afterwards
-        unsigned bits;
+        unsigned bits;                          ///< 19 to 22 of the only pulse that arrives, if one does
+        std::string cid = "";                   ///< of the pulse
+        int exitCode = 0;
     } kCases[] = {
         {{"/hcmode=postdatupdate", "/datupdatestatus=0"}, kBrokenMachine, "0x0", "", "0x0", 5},
         {{"/hcmode=predatupdate"}, kBrokenMachine, "0x0", "", "", 5},
@@ -66,18 +74,36 @@ TEST(Repairs, BeforeAndAfter)
         {{"/hcmode=periodic"}, Machine("73,6b,00,00", "73,6b,00,78"), "0x0", "", "", 5},
         {{"/hcmode=periodic"}, Machine("hex(7)", "hex(1)"), "0x3", "", "", 5},
         {{"/hcmode=periodic"}, Machine("\"20.4.0.112\"", "hex:32"), "0x4", "", "", 1},
+        {{"/hcmode=periodic"}, WithText(kCid, 0), "0x0", "", "", 5},
+        {{"/hcmode=periodic"}, WithText(kCid, 1), "0x0", "", "", 5},
+        {{"/hcmode=periodic"}, WithText(kCid, 3), "0x0", "", "", 5, "x"},
+        {{"/hcmode=periodic"}, WithText(kCid, 4), "0x0", "", "", 5, "xx"},
+        {{"/hcmode=periodic"}, WithText(kCid, 1 << 20), "0x0", "", "", 5},
+        // A size that no registry reports for a log path ends the process before anything.
+        {{"/hcmode=periodic"}, WithText(kLog, 519), "0x0", "", "", 5},
+        {{"/hcmode=periodic"}, WithText(kLog, 520), "0x4", "0x1", "", 0, "", 3},
+        {{"/hcmode=periodic"}, WithText(kLog, 1 << 20), "0x4", "0x1", "", 0, "", 3},
         {{"/uninstall"}, kBrokenMachine, "0x4", "0x1", "", 0},
     };
     for (const auto& row : kCases) {
         SCOPED_TRACE(row.arguments.front());
         SetRegistry(row.machine);
         LocalService service;
-        EXPECT_EQ(RunProgram(row.arguments).exitCode, 0);
+        const Outcome outcome = RunProgram(row.arguments);
+        EXPECT_EQ(outcome.exitCode, row.exitCode);
+        EXPECT_EQ(outcome.log.empty(), row.exitCode != 0);
+        EXPECT_EQ(outcome.Logged(" WARN: This product is not configured for update etl tracing"),
+                  row.arguments.front() == "/hcmode=predatupdate");
         EXPECT_EQ(RegistryValue(kService, "Start"), row.start);
         EXPECT_EQ(RegistryValue(kService, "DeleteFlag"), row.deleteFlag);
         EXPECT_EQ(RegistryValue(kService, "Other"), row.machine.empty() ? "" : "kept");
         EXPECT_EQ(RegistryValue(kQuality, kQualityValue), row.quality);
-        EXPECT_EQ(row.arguments.front() == "/uninstall" ? 0 : DriverBits(service), row.bits);
+        const bool isSent = row.arguments.front() != "/uninstall" && row.exitCode == 0;
+        const auto pulses = service.Pulses();
+        ASSERT_EQ(pulses.size(), isSent ? 1u : 0u);
+        EXPECT_EQ(service.ConnectionCount(), pulses.size());
+        EXPECT_EQ(isSent ? pulses[0].pulse.report.record.bitfield_test_results.Word() >> 19 & 15 : 0, row.bits);
+        EXPECT_TRUE(!isSent || pulses[0].pulse.client["cid"] == row.cid) << pulses[0].pulse.client;
     }
 }
 
@@ -90,21 +116,15 @@ TEST(Repairs, TheProductIsAskedForAccessBeforeEachAndLetGoAfterIt)
     const fs::path record = folder / "record.txt";
     const Outcome outcome = RunProgram({"/hcmode=periodic"}, {"VXEAACA_RECORD=" + WindowsPath(record)});
     EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_FALSE(outcome.Logged("TRACE: Failed on initialization scoped access protection exclusion object."));
+    EXPECT_FALSE(outcome.Logged("TRACE: " + kFailed));
 
-    std::ifstream file(record);
-    std::vector<std::string> calls;
-    for (std::string line; std::getline(file, line);) {
-        calls.push_back(line.substr(0, line.find_first_of(" \r")));
+    const std::string each = "Create AddPolicy AddRule AddRule RemovePolicy Release "; // for each repair
+    std::string seen;
+    for (const std::string& call : ReadLines(record)) {
+        const std::string name = call.substr(0, call.find(' ')) + ' ';
+        seen += (' ' + each).find(' ' + name) != each.npos ? name : "";
     }
-    const std::vector<std::string> wanted = {"Create", "AddPolicy", "AddRule", "AddRule", "RemovePolicy", "Release"};
-    std::vector<std::string> seen;
-    std::copy_if(calls.begin(), calls.end(), std::back_inserter(seen), [&wanted](const std::string& call) {
-        return std::find(wanted.begin(), wanted.end(), call) != wanted.end();
-    });
-    std::vector<std::string> twice = wanted; // once for each repair, the first ended before the second
-    twice.insert(twice.end(), wanted.begin(), wanted.end());
-    EXPECT_EQ(seen, twice);
+    EXPECT_EQ(seen, each + each); // the first ended before the second
     EXPECT_EQ(RegistryValue(kService, "Start"), "0x0");
 }
 
@@ -151,21 +171,12 @@ TEST_F(TracesTest, TheRunBeforeAnUpdateStartsATraceAndTheRunAfterItStopsIt)
     EXPECT_EQ(before.exitCode, 0);
     EXPECT_TRUE(before.Logged("TRACE: Now Logging."));
     EXPECT_EQ(before.log.back(), "TRACE: Starting etl tracing...");
-    EXPECT_TRUE(
-        before.Logged("TRACE: StartLogging: Failed on initialization scoped access protection exclusion object."));
+    EXPECT_TRUE(before.Logged("TRACE: StartLogging: " + kFailed));
 
     const Outcome after = RunUnderUpdater({"/hcmode=postdatupdate", "/datupdatestatus=0"});
     EXPECT_EQ(std::vector<std::string>(after.log.end() - 3, after.log.end()),
-              (std::vector<std::string>{
-                  "TRACE: StopLogging: Failed on initialization scoped access protection exclusion object.",
-                  "TRACE: Stopped logging", "TRACE: Stopping etl tracing..."}));
-}
-
-TEST_F(TracesTest, AnybodyElseStartsNone)
-{
-    const Outcome outcome = RunProgram({"/hcmode=predatupdate"});
-    EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_EQ(outcome.log.back(), " WARN: This product is not configured for update etl tracing");
+              (std::vector<std::string>{"TRACE: StopLogging: " + kFailed, "TRACE: Stopped logging",
+                                        "TRACE: Stopping etl tracing..."}));
 }
 
 TEST_F(TracesTest, TheOldestGoUntilNineAreLeft)
@@ -177,8 +188,7 @@ TEST_F(TracesTest, TheOldestGoUntilNineAreLeft)
     const Outcome outcome = RunUnderUpdater({"/hcmode=predatupdate"});
     EXPECT_EQ(Count(), 10);
     EXPECT_TRUE(fs::exists(Trace(8)) && fs::exists(m_folder / "a.log"));
-    EXPECT_TRUE(outcome.Logged(
-        "TRACE: ShouldStartETLTracing: Failed on initialization scoped access protection exclusion object."));
+    EXPECT_TRUE(outcome.Logged("TRACE: ShouldStartETLTracing: " + kFailed));
 }
 
 } // namespace
