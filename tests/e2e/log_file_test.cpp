@@ -15,13 +15,13 @@ namespace {
 /// How often the log has each line, after so many runs at once. What differs from run to run is left out.
 std::map<std::string, int> LinesOf(int runs, const std::filesystem::path& log)
 {
-    std::string command = "wait";
+    std::string command;
     for (int run = 0; run < runs; ++run) {
-        command.insert(0, VANTOR_SOURCE_DIRECTORY "/tools/wine-run e2e " VANTOR_PROGRAM " /hcmode=periodic '/logfile=" +
-                              WindowsPath(log) + "' & ");
+        command += VANTOR_SOURCE_DIRECTORY "/tools/wine-run e2e " VANTOR_PROGRAM " /hcmode=periodic '/logfile=" +
+                   WindowsPath(log) + "' & all=\"$all $!\"; ";
     }
     std::filesystem::remove(log);
-    EXPECT_EQ(std::system(command.c_str()), 0);
+    EXPECT_EQ(std::system((command + "for run in $all; do wait $run || failed=1; done; exit $failed").c_str()), 0);
     std::ifstream file(log, std::ios::binary);
     const std::regex varying(R"(0x[0-9a-f]+|[0-9/]+ [0-9:]+|-?[0-9]{3,})");
     std::map<std::string, int> lines;

@@ -50,7 +50,7 @@ private:
         // view of the file system that nobody shares. $0 is its configuration.
         const char kOwn[] = R"sh(
             if unshare --mount --propagation unchanged true; then
-                exec unshare --mount --propagation unchanged sh -c '
+                exec unshare --mount --propagation unchanged sh -c 'mkdir -p /dev/shm
                     mount --make-private "$(findmnt -no TARGET -T /dev/shm | tail -n 1)" && mount -t tmpfs none /dev/shm &&
                         echo 127.0.0.1 localhost >/dev/shm/hosts && echo hosts_file /dev/shm/hosts >>"$0"
                     exec "$@"' "$0" "$@"
