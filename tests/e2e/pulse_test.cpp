@@ -209,7 +209,7 @@ TEST_F(PulseTest, RunsInOneProcessLeaveItAsItWas)
     std::istringstream text(many.standardOutput);
     const std::vector<int> figures(std::istream_iterator<int>(text), {});
     ASSERT_EQ(figures.size(), 120u);
-    EXPECT_LE(figures[118], figures[58]) << "handles";
+    EXPECT_LE(figures[118], figures[58]) << "the next free handle";
     EXPECT_LE(figures[119], figures[59] + 256) << "KiB";
     EXPECT_EQ(run("1", "", "/periodicruncount=8").exitCode, 0); // which throws
     const Outcome other = run("1", "another", "/test");
