@@ -79,7 +79,7 @@ TEST(Repairs, BeforeAndAfter)
         {{"/hcmode=periodic"}, WithText(kCid, 3), "0x0", "", "", 5, "x"},
         {{"/hcmode=periodic"}, WithText(kCid, 4), "0x0", "", "", 5, "xx"},
         {{"/hcmode=periodic"}, WithText(kCid, 1 << 20), "0x0", "", "", 5},
-        // A size that no registry reports for a log path ends the process before anything.
+        // A log path of 520 bytes or more ends the process before it does anything.
         {{"/hcmode=periodic"}, WithText(kLog, 519), "0x0", "", "", 5},
         {{"/hcmode=periodic"}, WithText(kLog, 520), "0x4", "0x1", "", 0, "", 3},
         {{"/hcmode=periodic"}, WithText(kLog, 1 << 20), "0x4", "0x1", "", 0, "", 3},
