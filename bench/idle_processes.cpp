@@ -27,7 +27,7 @@ int main(int argc, char** argv)
     std::fflush(stdout);
     while (std::getchar() != EOF) {
     }
-    for (const HANDLE process : processes) {
+    for (HANDLE process : processes) {
         ::TerminateProcess(process, 0);
         ::CloseHandle(process);
     }

@@ -59,9 +59,9 @@ void DeleteTask(const wchar_t* name)
         return;
     }
     ITaskFolder* root = nullptr;
-    const BSTR rootName = ::SysAllocString(L"\\");
+    BSTR rootName = ::SysAllocString(L"\\");
     if (SUCCEEDED(service->Connect({}, {}, {}, {})) && SUCCEEDED(service->GetFolder(rootName, &root))) {
-        const BSTR task = ::SysAllocString(name);
+        BSTR task = ::SysAllocString(name);
         root->DeleteTask(task, 0);
         ::SysFreeString(task);
         root->Release();
@@ -83,7 +83,7 @@ void DeleteTasks()
 
 void ListProcesses()
 {
-    const HANDLE snapshot = ::CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0);
+    HANDLE snapshot = ::CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0);
     PROCESSENTRY32W entry{};
     entry.dwSize = sizeof(entry);
     for (BOOL more = ::Process32FirstW(snapshot, &entry); more; more = ::Process32NextW(snapshot, &entry)) {

@@ -8,7 +8,7 @@ namespace {
 
 std::vector<char> Read(const char* path)
 {
-    std::vector<char> body(64 * 1024);
+    std::vector<char> body(1 << 16);
     std::FILE* const file = std::fopen(path, "rb");
     if (!file) {
         return {};
