@@ -67,10 +67,15 @@ bool WriteUnevenly(const Behaviour& behaviour, int socket, std::string_view cont
 
 } // namespace
 
-void Misbehave(const Behaviour& behaviour, int socket, httplib::Response& response)
+void Misbehave(const Behaviour& behaviour, const SSL* connection, httplib::Response& response)
 {
+    const int socket = ::SSL_get_fd(connection);
     Pause(socket, behaviour.delay);
-    if (behaviour.cut == CutPoint::beforeAnswer) {
+    if (!behaviour.bytesBeforeCut.empty()) {
+        ::SSL_write(const_cast<SSL*>(connection), behaviour.bytesBeforeCut.data(),
+                    static_cast<int>(behaviour.bytesBeforeCut.size()));
+    }
+    if (behaviour.cut == CutPoint::beforeAnswer || !behaviour.bytesBeforeCut.empty()) {
         Cut(socket);
         return;
     }

@@ -7,8 +7,8 @@
 
 namespace vantor::service {
 
-/// Turns a response that is ready into the one that the behaviour asks for. Waits and cuts on the socket that the
-/// request came from; every wait ends when the peer or Stop closes the connection.
-void Misbehave(const Behaviour& behaviour, int socket, httplib::Response& response);
+/// Turns a response that is ready into the one that the behaviour asks for. Waits and cuts on the connection that the
+/// request came from; every wait ends when the peer or Stop closes it.
+void Misbehave(const Behaviour& behaviour, const SSL* connection, httplib::Response& response);
 
 } // namespace vantor::service

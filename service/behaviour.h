@@ -30,6 +30,7 @@ struct Behaviour {
     std::optional<std::size_t> stallAfter;       ///< so many bytes of the body, then a pause
     std::chrono::milliseconds stallFor{600'000}; ///< length of that pause; it outlasts every client
     CutPoint cut = CutPoint::never;
+    std::string bytesBeforeCut; ///< sent as they are, such as half a status line, and then a cut: all of the answer
     std::vector<std::pair<std::string, std::string>> headers; ///< more headers, such as Location
     /// The part of a proxy that wants to know who asks: while there is one, a request without a Proxy-Authorization is
     /// answered 407 with these Proxy-Authenticate lines, such as "NTLM" or "Basic realm=\"x\"", and brings no pulse.

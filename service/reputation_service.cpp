@@ -292,7 +292,7 @@ void ReputationService::Answer(const httplib::Request& request, httplib::Respons
     response.set_content(accepted ? R"({"accepted":true})" : received.refusal + '\n',
                          accepted ? "application/json" : "text/plain");
     OnRequest(std::move(received));
-    Misbehave(behaviour, ::SSL_get_fd(request.ssl), response);
+    Misbehave(behaviour, request.ssl, response);
 }
 
 void ReputationService::AnswerPage(const httplib::Request& request, httplib::Response& response)

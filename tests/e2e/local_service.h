@@ -10,9 +10,9 @@ namespace vantor::e2e {
 /// A service that the program takes for the real one, with a certificate of the local authority.
 class LocalService : public service::ReputationService {
 public:
-    explicit LocalService(const std::string& certificate = "server-a")
+    explicit LocalService(const std::string& certificate = "server-a", std::uint16_t port = 8000)
         : ReputationService(
-              {VANTOR_PKI_DIRECTORY "/" + certificate + ".pem", VANTOR_PKI_DIRECTORY "/" + certificate + ".key", 8000})
+              {VANTOR_PKI_DIRECTORY "/" + certificate + ".pem", VANTOR_PKI_DIRECTORY "/" + certificate + ".key", port})
     {
         Start();
     }

@@ -1,6 +1,7 @@
 // The program behind proxies: a real squid, proxies that settings and scripts of the machine name, a real name server.
 #include "e2e/local_service.h"
 #include "e2e/program.h"
+#include "e2e/relay.h"
 
 #include <gtest/gtest.h>
 #include <httplib.h>
@@ -174,6 +175,33 @@ TEST(Proxies, ASquidThatAsksForCredentialsGetsThemAndWrongOnesOnce)
     for (const auto& [password, status] : {std::pair("secret", "status 200"), std::pair("wrong", "status 407")}) {
         const Background client(UnderWine({kClient, web.port, kSquid, "", "bert", password}), password, status);
         EXPECT_EQ(squid.Asked(), Lines(3, "POST " + web.Url("1"))); // Wine asks without and is asked itself
+    }
+}
+
+TEST(Proxies, ALogonOnTheNextConnectionGoesToNoOtherCertificate)
+{
+    const Squid squid;
+    const Lines challenge = {"Basic realm=\"x\""};
+    LocalService first("server-a", 0);
+    first.SetBehaviour({.unframed = true, .challenges = challenge}); // which ends the connection
+    const std::tuple<const char*, const char*, std::size_t, std::size_t> kCases[] = {
+        {"server-b", "", 2, 1},                                          // Wine asks without and is asked itself
+        {"server-outsider", "ERROR_WINHTTP_SECURE_FAILURE 12175", 1, 0}, // the pins are asked once a request is sent
+        {"server-expired", "ERROR_WINHTTP_SECURE_CHANNEL_ERROR 12157", 0, 0},
+    };
+    SetRegistry();
+    for (const auto& [certificate, error, requests, pulses] : kCases) {
+        LocalService second(certificate, 0);
+        second.SetBehaviour({.challenges = challenge}); // a pulse there means that credentials came with it
+        const Lines options = {"/server=127.0.0.1", "/port=31280", "/username=bert", "/password=secret"};
+        Relay relay(8000, {first.Port(), second.Port()});
+        const Outcome outcome = RunProgram(Lines{"/hcmode=periodic"} + options);
+        relay.Stop();
+        EXPECT_EQ(relay.Connections(), 2u) << certificate;
+        EXPECT_EQ(second.Requests().size(), requests) << certificate;
+        EXPECT_EQ(second.Pulses().size(), pulses) << certificate;
+        const std::string failure = "ERROR: RESTTelemetry::Send: Send telemetry failed. WinHTTP error: ";
+        EXPECT_EQ(outcome.Logged(failure + error), pulses == 0) << certificate;
     }
 }
 

@@ -1,6 +1,7 @@
 // Whole pulses: the built program under Wine against the local service.
 #include "e2e/local_service.h"
 #include "e2e/program.h"
+#include "e2e/relay.h"
 #include "option_rules.h"
 
 #include <gtest/gtest.h>
@@ -10,6 +11,7 @@
 #include <fstream>
 #include <iterator>
 #include <regex>
+#include <set>
 #include <thread>
 
 namespace vantor::e2e {
@@ -21,6 +23,11 @@ using service::Behaviour;
 std::string WithoutId(const std::string& body)
 {
     return std::regex_replace(body, std::regex(R"("rid":-?[0-9]+,)"), "\"rid\":RID,");
+}
+
+bool IsFailure(const std::string& line)
+{
+    return line.starts_with("ERROR: RESTTelemetry::Send: Send telemetry failed. ");
 }
 
 constexpr char kCiSection[] = R"({"ci":{"affid":"0","cid":"","cliid":"","xpoid":"","pev":1.2,"prn":"VANTor-EPV",)"
@@ -99,8 +106,7 @@ TEST_F(PulseTest, OnlyAPinnedIssuersServerIsTrusted)
         const Outcome outcome = RunPeriodic();
         EXPECT_EQ(outcome.exitCode, 0);
         EXPECT_TRUE(outcome.Logged(line));
-        const auto failed = [](const std::string& text) { return text.find("Send telemetry failed") != text.npos; };
-        EXPECT_EQ(std::none_of(outcome.log.begin(), outcome.log.end(), failed), accepted);
+        EXPECT_EQ(std::ranges::none_of(outcome.log, IsFailure), accepted);
     }
 }
 
@@ -119,6 +125,9 @@ TEST_F(PulseTest, WhateverTheReplyTheRunEndsAndItsLogTells)
         {{.status = 302, .headers = {{"Location", "https://localhost:1/"}}}, "failed. WinHTTP status: 302"},
         {{.status = 307, .headers = {{"Location", "/1"}}}, "Send telemetry failed. WinHTTP status: 307"},
         {{.cut = CutPoint::beforeAnswer}, "ERROR_WINHTTP_INVALID_SERVER_RESPONSE 12152"},
+        {{.bytesBeforeCut = "HTTP/1.1 2"}, "ERROR_WINHTTP_INVALID_SERVER_RESPONSE 12152"},
+        {{.bytesBeforeCut = "HTTP/1.1 200 OK\r\nContent-Le"}, "Response data: "}, // nor does it miss a header
+        {{.bytesBeforeCut = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n1\r\nx\r\n1"}, "Response data: x"},
         {{.bodyBytes = 1000, .stallAfter = 10}, "Send telemetry failed. WinHTTP error: Unknown error (10060) 10060"},
         {{.bodyBytes = 1000, .cut = CutPoint::afterHeaders}, "Response data: "}, // Wine takes a short body for whole
         {{.bodyBytes = 1000, .cut = CutPoint::inBody}, "Response data: x"},
@@ -154,22 +163,45 @@ TEST_F(PulseTest, WithoutAServerOneDirectAttemptFollowsAndTheRunEndsWell)
     EXPECT_EQ(outcome.log.back(), "TRACE: Leaving SendTelemetry");
 }
 
+TEST_F(PulseTest, WhereverTheConnectionIsCutTheRunEndsAndSendsNothingTwice)
+{
+    LocalService service("server-a", 0);
+    Relay whole(8000, {service.Port()});
+    EXPECT_EQ(RunPeriodic().exitCode, 0);
+    whole.Stop();
+    ASSERT_EQ(whole.Turns().size(), 4u); // greeting, key, request, end
+    const std::size_t asked = *std::next(whole.Turns().begin(), 2), all = *whole.Turns().rbegin();
+    std::set<std::size_t> cuts;
+    for (const std::size_t turn : whole.Turns()) {
+        cuts.insert({turn - 40, turn - 1, turn, turn + 1, turn + 40});
+    }
+    cuts.erase(cuts.upper_bound(all), cuts.end());
+    for (const std::size_t cut : cuts) {
+        SCOPED_TRACE(cut);
+        service.Forget();
+        Relay relay(8000, {service.Port()}, cut, cut < all && cut % 2 == 1);
+        const Outcome outcome = RunPeriodic();
+        relay.Stop();
+        EXPECT_EQ(outcome.exitCode, 0); // a run of a minute is ended with another
+        EXPECT_EQ(outcome.log.back(), "TRACE: Leaving SendTelemetry");
+        EXPECT_EQ(std::ranges::any_of(outcome.log, IsFailure), cut < all);
+        EXPECT_EQ(relay.Connections(), 1u); // it could be reached: no other way is tried, and nothing again
+        EXPECT_EQ(service.Pulses().size(), cut > asked ? 1u : 0u);
+    }
+}
+
 TEST_F(PulseTest, AServerThatBreaksOffTheHandshakeIsTriedOnce)
 {
-    httplib::Server server;                     // which takes the greeting of TLS for a bad request and hangs up
-    server.set_socket_options([](auto socket) { // the port may have connections of an earlier test that time out
-        const int on = 1;
-        ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof(on));
-    });
-    ASSERT_TRUE(server.bind_to_port("127.0.0.1", 8000));
-    std::thread serving([&server] { server.listen_after_bind(); });
+    httplib::Server server; // which takes the greeting of TLS for a bad request and hangs up
+    Relay relay(8000, {static_cast<std::uint16_t>(server.bind_to_any_port("127.0.0.1"))});
+    const std::jthread serving([&server] { server.listen_after_bind(); });
     const Outcome outcome = RunPeriodic();
+    relay.Stop();
     server.stop();
-    serving.join();
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_TRUE(outcome.Logged("ERROR: RESTTelemetry::Send: Send telemetry failed. WinHTTP error: "
                                "ERROR_WINHTTP_SECURE_CHANNEL_ERROR 12157"));
-    EXPECT_FALSE(outcome.Logged(" WARN: HttpConnection::Query: Using proxy fallback"));
+    EXPECT_EQ(relay.Connections(), 1u);
 }
 
 TEST_F(PulseTest, CommandLinesEndAsTheirRulesSay)
