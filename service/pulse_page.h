@@ -23,8 +23,8 @@ inline constexpr char kPagePolicy[] =
 
 /// A whole HTML document: the pulses that pass the filter, the latest first, each with what changed since the pulse
 /// before it of the same host. Pulses come in the order of their arrival. It needs no script, and nothing that came in
-/// a pulse gets into it as anything but ASCII text. A host is told by "cid" and "cliid"; a pulse
-/// without the latter is compared with no other.
+/// a pulse gets into it as anything but ASCII text. A host is told by "cid" and "cliid"; a pulse without the latter is
+/// compared with no other.
 std::string PulsePage(const std::vector<inspect::DatedPulse>& pulses, const PageFilter& filter);
 
 } // namespace vantor::service
