@@ -1,7 +1,7 @@
 // vantor-bench PROGRAM BASELINES PKI PLACE PAIRS: what a periodic pulse costs beside programs that do less, and how
 // that grows. Started by bench/run, in a network and a Wine prefix of its own; prints Markdown.
 #include "measured_run.h"
-#include "service/reputation_service.h"
+#include "receiver/receiver.h"
 #include "statistics.h"
 
 #include <sys/wait.h>
@@ -53,23 +53,23 @@ constexpr std::size_t kBarePost = 2;
 using Contenders = std::array<Contender, 3>;
 
 /// A run that must deliver one report.
-Cost Deliver(service::ReputationService& service, const std::vector<std::string>& command, const fs::path& output)
+Cost Deliver(receiver::Receiver& receiver, const std::vector<std::string>& command, const fs::path& output)
 {
-    service.Forget();
+    receiver.Forget();
     const Cost cost = Measure(command, output);
-    if (cost.exitCode != 0 || service.Pulses().size() != 1) {
+    if (cost.exitCode != 0 || receiver.Pulses().size() != 1) {
         throw std::runtime_error(command.front() + " ended with " + std::to_string(cost.exitCode) + " and delivered " +
-                                 std::to_string(service.Pulses().size()) + " reports; its output: " + output.string());
+                                 std::to_string(receiver.Pulses().size()) + " reports; its output: " + output.string());
     }
     return cost;
 }
 
 /// The pulse's own body, which the baselines post.
-fs::path SaveBody(service::ReputationService& service, const Setting& setting)
+fs::path SaveBody(receiver::Receiver& receiver, const Setting& setting)
 {
-    Deliver(service, Pulse(setting, "periodic", setting.place / "first.log"), setting.place / "output.txt");
+    Deliver(receiver, Pulse(setting, "periodic", setting.place / "first.log"), setting.place / "output.txt");
     fs::path body = setting.place / "body.json";
-    std::ofstream(body, std::ios::binary) << service.Requests().back().body;
+    std::ofstream(body, std::ios::binary) << receiver.Requests().back().body;
     return body;
 }
 
@@ -117,9 +117,9 @@ void PrintComparison(const Contenders& contenders, const Setting& setting)
 }
 
 /// The programs one after the other, pair by pair, in an order that turns.
-void Compare(service::ReputationService& service, const Setting& setting)
+void Compare(receiver::Receiver& receiver, const Setting& setting)
 {
-    const fs::path body = SaveBody(service, setting);
+    const fs::path body = SaveBody(receiver, setting);
     Contenders contenders{{{"pulse", Pulse(setting, "periodic", setting.place / "pulse.log"), {}},
                            {"obligatory calls", {setting.baselines / "obligatory_calls.exe", WindowsPath(body)}, {}},
                            {"bare POST", {setting.baselines / "bare_post.exe", WindowsPath(body)}, {}}}};
@@ -127,7 +127,7 @@ void Compare(service::ReputationService& service, const Setting& setting)
     for (int pair = -kWarmUps; pair < setting.pairs; ++pair) {
         for (std::size_t turn = 0; turn < contenders.size(); ++turn) {
             Contender& contender = contenders[(turn + static_cast<std::size_t>(pair + kWarmUps)) % contenders.size()];
-            const Cost cost = Deliver(service, contender.command, setting.place / "output.txt");
+            const Cost cost = Deliver(receiver, contender.command, setting.place / "output.txt");
             if (pair >= 0) {
                 contender.costs.push_back(cost);
             }
@@ -138,15 +138,14 @@ void Compare(service::ReputationService& service, const Setting& setting)
 }
 
 /// The median wall time of some pulses, in milliseconds.
-double PulseTime(service::ReputationService& service, const Setting& setting, const std::string& mode,
-                 const fs::path& log)
+double PulseTime(receiver::Receiver& receiver, const Setting& setting, const std::string& mode, const fs::path& log)
 {
     constexpr int kRuns = 9;
 
     std::vector<double> times;
     times.reserve(kRuns);
     for (int run = 0; run < kRuns; ++run) {
-        times.push_back(Deliver(service, Pulse(setting, mode, log), setting.place / "output.txt").wallMs);
+        times.push_back(Deliver(receiver, Pulse(setting, mode, log), setting.place / "output.txt").wallMs);
     }
     return Quantile(times, 0.5);
 }
@@ -225,7 +224,7 @@ void WriteLog(const fs::path& log, std::size_t mebibytes)
     }
 }
 
-void Grow(service::ReputationService& service, const Setting& setting)
+void Grow(receiver::Receiver& receiver, const Setting& setting)
 {
     std::printf("How a pulse's time grows; medians of 9, the first row of each kind is 1:\n\n"
                 "| what | how much | wall, ms | ratio |\n|---|---:|---:|---:|\n");
@@ -233,19 +232,19 @@ void Grow(service::ReputationService& service, const Setting& setting)
     double first = 0;
     for (const int count : {10, 100, 1000}) {
         const IdleProcesses processes(setting, count);
-        const double time = PulseTime(service, setting, "periodic", log);
+        const double time = PulseTime(receiver, setting, "periodic", log);
         first = count == 10 ? time : first;
         PrintGrowth("processes", std::to_string(count), time, first);
     }
     for (const int count : {1, 8, 64}) {
         WriteAdapters(setting, count);
-        const double time = PulseTime(service, setting, "predatupdate", log);
+        const double time = PulseTime(receiver, setting, "predatupdate", log);
         first = count == 1 ? time : first;
         PrintGrowth("display adapters", std::to_string(count), time, first);
     }
     for (const std::size_t mebibytes : {0U, 1024U}) {
         WriteLog(log, mebibytes);
-        const double time = PulseTime(service, setting, "periodic", log);
+        const double time = PulseTime(receiver, setting, "periodic", log);
         first = mebibytes == 0 ? time : first;
         PrintGrowth("log file", std::to_string(mebibytes) + " MiB", time, first);
     }
@@ -256,10 +255,10 @@ int Run(const Setting& setting)
 {
     fs::create_directories(setting.place);
     CheckMeasure(setting.place / "output.txt");
-    service::ReputationService service({setting.pki / "server-a.pem", setting.pki / "server-a.key", 8000});
-    service.Start();
-    Compare(service, setting);
-    Grow(service, setting);
+    receiver::Receiver receiver({setting.pki / "server-a.pem", setting.pki / "server-a.key", 8000});
+    receiver.Start();
+    Compare(receiver, setting);
+    Grow(receiver, setting);
     return 0;
 }
 

@@ -51,7 +51,7 @@ function(vantor_read_pinned_issuers file result)
     set(${result} "${issuers}" PARENT_SCOPE)
 endfunction()
 
-# Writes the source file that defines PinnedIssuersPem() (telemetry/pinned_issuers.h).
+# Writes the source file that defines PinnedIssuersPem() (telemetry/request/pinned_issuers.h).
 function(vantor_write_pinned_issuers text output)
     string(REGEX REPLACE "([^\n]*)\n" "    \"\\1\\\\n\"\n" literal "${text}")
     if(literal STREQUAL "")
@@ -59,7 +59,7 @@ function(vantor_write_pinned_issuers text output)
     endif()
     file(CONFIGURE OUTPUT "${output}" @ONLY CONTENT
 "// Made by CMake from VANTOR_PINNED_ISSUERS; do not edit.
-#include \"telemetry/pinned_issuers.h\"
+#include \"telemetry/request/pinned_issuers.h\"
 
 namespace vantor {
 

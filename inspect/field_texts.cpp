@@ -1,6 +1,6 @@
 #include "inspect/field_texts.h"
 
-#include "health/content_version.h"
+#include "health/record/content_version.h"
 
 #include <algorithm>
 #include <cstdio>

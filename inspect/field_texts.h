@@ -1,7 +1,7 @@
 // What the fields and bits of a health record stand for, in words.
 #pragma once
 
-#include "health/health_record.h"
+#include "health/record/health_record.h"
 
 #include <string>
 #include <string_view>

@@ -21,7 +21,7 @@ std::string_view Trimmed(std::string_view text)
     return text.substr(begin, text.find_last_not_of(kBlanks) + 1 - begin);
 }
 
-/// Parses what is not a pulse's body yet; no deeper than a service's lines go, for the parser's own stack is not
+/// Parses what is not a pulse's body yet; no deeper than a receiver's lines go, for the parser's own stack is not
 /// endless.
 ordered_json ParseShallow(std::string_view text)
 {
@@ -37,7 +37,7 @@ ordered_json ParseShallow(std::string_view text)
         false);
 }
 
-/// A body or a service's line.
+/// A body or a receiver's line.
 DatedPulse ReadJsonPulse(std::string_view text)
 {
     const ordered_json json = ParseShallow(text);

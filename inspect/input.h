@@ -12,7 +12,7 @@
 
 namespace vantor::inspect {
 
-/// Pulses from a report, from bodies or from a service's lines; or runs from a log.
+/// Pulses from a report, from bodies or from a receiver's lines; or runs from a log.
 struct Input {
     std::vector<DatedPulse> pulses;
     std::vector<Run> runs;

@@ -26,7 +26,7 @@ Shows what pulses say and what became of a run of vantor.exe. A FILE, or standar
 holds one of these, which is found out by itself:
   a report       Base64 text, as "vantor" in a body holds it
   a body         the JSON that a pulse posts, one or one a line
-  pulses         the lines that vantor-service writes for --pulses
+  pulses         the lines that vantor-receiver writes for --pulses
   a log          of vantor.exe, with one or more runs
 
 Options:

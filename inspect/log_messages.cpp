@@ -2,7 +2,7 @@
 
 #include "inspect/utc_time.h"
 #include "platform/lower_case.h"
-#include "run/log_line.h"
+#include "run/log/log_line.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 // A log of the program as messages. Whoever wrote the file is a stranger: nothing in it is trusted.
 #pragma once
 
-#include "run/logger.h"
+#include "run/log/logger.h"
 
 #include <chrono>
 #include <optional>

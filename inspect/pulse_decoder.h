@@ -1,7 +1,7 @@
 // From the body of a POST to the pulse that it carries, or to the reason why it carries none.
 #pragma once
 
-#include "health/report.h"
+#include "health/record/report.h"
 
 #include <nlohmann/json.hpp>
 

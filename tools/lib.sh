@@ -7,7 +7,7 @@ build=$project/build
 # shellcheck disable=SC2034 # for the scripts that source this file
 {
     pki=$build/pki
-    service_port=8000 # fixed by the program's test hook
+    receiver_port=8000 # fixed by the program's test hook
 }
 
 say() { printf '%s\n' "$*"; }
@@ -62,7 +62,7 @@ build_preset() {
 
 # What is needed on Debian 12, as "purpose|packages".
 package_sets=(
-    "build the local service and the native tests|g++ cmake ninja-build libcpp-httplib-dev nlohmann-json3-dev libssl-dev"
+    "build the local receiver and the native tests|g++ cmake ninja-build libcpp-httplib-dev nlohmann-json3-dev libssl-dev"
     "cross-build the Windows program|g++-mingw-w64-x86-64-posix"
     "build the tests|googletest"
     "run the Windows program, TLS included|wine wine64 libgnutls30"
@@ -76,7 +76,7 @@ check_package_sets=(
     "find faults in the sources|clang clang-tidy cppcheck"
     "fuzz|clang libclang-rt-14-dev"
     "try the program behind a proxy and a name server|squid dnsmasq-base"
-    "look at the service's page in a browser|chromium"
+    "look at the receiver's page in a browser|chromium"
 )
 
 # Names what is missing, with its purpose, and installs it. Asks the package manager for nothing when all is there.

@@ -1,12 +1,12 @@
 #include "health/collectors.h"
 
-#include "health/content_version.h"
-#include "health/host_probes.h"
-#include "health/process_probe.h"
-#include "health/product_probes.h"
-#include "health/text_probes.h"
-#include "run/ipv6_preference.h"
-#include "run/logging.h"
+#include "health/probes/host_probes.h"
+#include "health/probes/process_probe.h"
+#include "health/probes/product_probes.h"
+#include "health/probes/text_probes.h"
+#include "health/record/content_version.h"
+#include "run/log/logging.h"
+#include "run/product/ipv6_preference.h"
 
 #include <string>
 

@@ -1,8 +1,8 @@
 // The two collectors: each makes the report of one run.
 #pragma once
 
-#include "health/report.h"
-#include "run/run_config.h"
+#include "health/record/report.h"
+#include "run/config/run_config.h"
 
 namespace vantor {
 

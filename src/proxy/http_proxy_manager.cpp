@@ -1,8 +1,8 @@
 #include "proxy/http_proxy_manager.h"
 
 #include "platform/text.h"
-#include "proxy/http_session_auto_proxy.h"
-#include "proxy/http_session_named_proxy.h"
+#include "proxy/session/http_session_auto_proxy.h"
+#include "proxy/session/http_session_named_proxy.h"
 
 #include <utility>
 

@@ -1,10 +1,10 @@
 // Which way requests take: direct, through a named proxy, or through one found automatically.
 #pragma once
 
-#include "proxy/http_session.h"
 #include "proxy/proxy_calls.h"
-#include "proxy/session_host.h"
-#include "proxy/session_impersonator.h"
+#include "proxy/session/http_session.h"
+#include "proxy/session/session_host.h"
+#include "proxy/session/session_impersonator.h"
 
 #include <memory>
 #include <string>

@@ -1,7 +1,7 @@
 #include "proxy/proxy_auth_list_manager.h"
 
-#include "proxy/proxy_auth_user.h"
-#include "run/operation_log.h"
+#include "proxy/auth/proxy_auth_user.h"
+#include "run/log/operation_log.h"
 
 #include <algorithm>
 #include <utility>

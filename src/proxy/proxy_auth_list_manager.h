@@ -1,9 +1,9 @@
 // Which proxy authentication scheme each attempt of a request uses.
 #pragma once
 
+#include "proxy/auth/proxy_auth_scheme.h"
 #include "proxy/http_proxy_manager.h"
-#include "proxy/proxy_auth_scheme.h"
-#include "run/logger.h"
+#include "run/log/logger.h"
 
 #include <array>
 #include <cstdint>

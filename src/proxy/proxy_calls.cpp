@@ -1,8 +1,8 @@
 #include "proxy/proxy_calls.h"
 
-#include "proxy/name_resolver.h"
-#include "proxy/proxy_discovery.h"
-#include "proxy/token_calls.h"
+#include "proxy/session/name_resolver.h"
+#include "proxy/session/proxy_discovery.h"
+#include "proxy/user/token_calls.h"
 
 namespace vantor {
 

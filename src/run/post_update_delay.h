@@ -1,8 +1,8 @@
 // The wait that lets an update settle before its health check.
 #pragma once
 
-#include "run/logger.h"
-#include "run/run_config.h"
+#include "run/config/run_config.h"
+#include "run/log/logger.h"
 
 #include <chrono>
 #include <functional>

@@ -1,14 +1,14 @@
 #include "run/run_driver.h"
 
 #include "health/collectors.h"
-#include "health/integrity_checks.h"
-#include "health/updater_tracing.h"
+#include "health/repair/integrity_checks.h"
+#include "health/tracing/updater_tracing.h"
 #include "platform/program.h"
-#include "run/get_config.h"
-#include "run/logging.h"
+#include "run/log/logging.h"
+#include "run/log/vantor_logging.h"
+#include "run/options/get_config.h"
 #include "run/post_update_delay.h"
-#include "run/scheduling.h"
-#include "run/vantor_logging.h"
+#include "run/task/scheduling.h"
 #include "telemetry/rest_telemetry.h"
 
 #include <windows.h>

@@ -3,15 +3,15 @@
 #include "delay_import_tables.h"
 #include "platform/registry.h"
 #include "platform/text.h"
-#include "run/logging.h"
-#include "run/vantor_logging.h"
+#include "proxy/config/proxy_settings.h"
+#include "run/log/logging.h"
+#include "run/log/vantor_logging.h"
 #include "service_endpoints.h"
-#include "telemetry/code_names.h"
-#include "telemetry/http_connection.h"
-#include "telemetry/http_implementation.h"
-#include "telemetry/pinned_issuers.h"
-#include "telemetry/proxy_settings.h"
+#include "telemetry/http/http_connection.h"
+#include "telemetry/request/pinned_issuers.h"
 #include "telemetry/vri_rest.h"
+#include "telemetry/winhttp/code_names.h"
+#include "telemetry/winhttp/http_implementation.h"
 
 #include <winhttp.h>
 

@@ -1,8 +1,8 @@
 // The telemetry client: the one road by which a report leaves the machine.
 #pragma once
 
-#include "health/report.h"
-#include "run/run_config.h"
+#include "health/record/report.h"
+#include "run/config/run_config.h"
 
 #include <cstdint>
 #include <span>

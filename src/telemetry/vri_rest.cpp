@@ -3,12 +3,12 @@
 #include "platform/owner.h"
 #include "platform/registry.h"
 #include "platform/text.h"
-#include "run/brand.h"
-#include "run/ipv6_preference.h"
-#include "run/logging.h"
+#include "run/log/logging.h"
+#include "run/product/brand.h"
+#include "run/product/ipv6_preference.h"
 #include "service_endpoints.h"
-#include "telemetry/code_names.h"
 #include "telemetry/payload_text.h"
+#include "telemetry/winhttp/code_names.h"
 #include "vantor_version.h"
 
 #include <windows.h>

@@ -1,7 +1,7 @@
 // The payload builder: who reports, and the body of the POST.
 #pragma once
 
-#include "health/report.h"
+#include "health/record/report.h"
 
 #include <cstdint>
 #include <span>

@@ -1,5 +1,5 @@
 // The log file when others write to it too, and when it cannot be written.
-#include "e2e/local_service.h"
+#include "e2e/local_receiver.h"
 #include "e2e/program.h"
 
 #include <gtest/gtest.h>
@@ -50,7 +50,7 @@ TEST(LogFile, RunsAtOnceLoseAndTearNoLine)
 TEST(LogFile, ThatCannotBeWrittenDoesNotStopTheRun)
 {
     SetRegistry();
-    LocalService service;
+    LocalReceiver receiver;
     std::size_t pulses = 0;
     // A folder, a missing one, a name that Windows refuses, a full disk, one that fails every write, and a device.
     for (const std::string path :
@@ -58,7 +58,7 @@ TEST(LogFile, ThatCannotBeWrittenDoesNotStopTheRun)
         const Outcome outcome = RunProgram(VANTOR_PROGRAM, {"/hcmode=periodic", "/logfile=" + path}, "");
         EXPECT_EQ(outcome.exitCode, 0) << path;
         EXPECT_EQ(outcome.standardOutput + outcome.standardError, "") << path;
-        EXPECT_EQ(service.Pulses().size(), ++pulses) << path;
+        EXPECT_EQ(receiver.Pulses().size(), ++pulses) << path;
     }
 }
 

@@ -1,5 +1,5 @@
 // Which DLLs the program loads, and what it does without one.
-#include "e2e/local_service.h"
+#include "e2e/local_receiver.h"
 #include "e2e/program.h"
 
 #include <gtest/gtest.h>
@@ -36,13 +36,13 @@ TEST(Modules, PlantedOnesAreNotLoaded)
         return std::count_if(fs::recursive_directory_iterator(beside), {}, isTrace);
     };
     SetRegistry();
-    LocalService service;
+    LocalReceiver receiver;
     fs::current_path(current);
     const std::vector<std::string> arguments = {"/hcmode=postdatupdate", "/datupdatestatus=0"};
     EXPECT_EQ(RunProgram(beside / "vantor.exe", arguments, "", {order}).exitCode, 0);
     fs::current_path(tests);
     EXPECT_EQ(loaded(), 0);
-    EXPECT_EQ(service.Pulses().size(), 1u);
+    EXPECT_EQ(receiver.Pulses().size(), 1u);
     RunProgram("rundll32", {WindowsPath(beside / "winhttp.dll") + ",None"}, "", {order}); // asked for by its path
     EXPECT_EQ(loaded(), 1);
 }
@@ -61,12 +61,12 @@ TEST(Modules, WithoutOneItsStageFailsAndTheRunGoesOn)
     for (const auto& [module, line, pulses] : kCases) {
         SCOPED_TRACE(module);
         SetRegistry();
-        LocalService service;
+        LocalReceiver receiver;
         const Outcome outcome = RunProgram({"/hcmode=postdatupdate", "/datupdatestatus=0"}, {Load(module + "=")});
         EXPECT_EQ(outcome.exitCode, 0);
         EXPECT_TRUE(outcome.Logged(line));
         EXPECT_EQ(outcome.log.back(), "TRACE: Stopping etl tracing...");
-        EXPECT_EQ(service.Pulses().size(), pulses);
+        EXPECT_EQ(receiver.Pulses().size(), pulses);
     }
 }
 

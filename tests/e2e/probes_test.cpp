@@ -1,5 +1,5 @@
-// What the program reports of a machine, as the service receives it.
-#include "e2e/local_service.h"
+// What the program reports of a machine, as the receiver receives it.
+#include "e2e/local_receiver.h"
 #include "e2e/program.h"
 
 #include <gtest/gtest.h>
@@ -17,9 +17,9 @@ using WireBytes = std::array<std::uint8_t, HealthRecord::kWireSize>;
 /// The report of the only pulse that arrives during a run.
 Report ReportOf(std::vector<std::string> arguments)
 {
-    LocalService service;
+    LocalReceiver receiver;
     EXPECT_EQ(RunProgram(std::move(arguments)).exitCode, 0);
-    const auto pulses = service.Pulses();
+    const auto pulses = receiver.Pulses();
     EXPECT_EQ(pulses.size(), 1u);
     return pulses.empty() ? Report() : pulses[0].pulse.report;
 }

@@ -74,7 +74,7 @@ pid_t Start(const std::vector<std::string>& command, const fs::path& output, con
 
     const pid_t child = ::fork();
     if (child == 0) {
-        // Wine's server outlives the run; it must not keep connections of the service open.
+        // Wine's server outlives the run; it must not keep connections of the receiver open.
         ::close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
         ::dup2(::open(output.c_str(), kWrite, 0644), STDOUT_FILENO);
         ::dup2(::open(error.c_str(), kWrite, 0644), STDERR_FILENO);

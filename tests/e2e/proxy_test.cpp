@@ -1,5 +1,5 @@
 // The program behind proxies: a real squid, proxies that settings and scripts of the machine name, a real name server.
-#include "e2e/local_service.h"
+#include "e2e/local_receiver.h"
 #include "e2e/program.h"
 #include "e2e/relay.h"
 
@@ -104,16 +104,16 @@ TEST(Proxies, EachKindWithEachKindOfCredentials)
 {
     Squid squid;
     const WebServer web;
-    LocalService service;
+    LocalReceiver receiver;
     const std::regex telling("(WinHTTP status: .*|Using proxy fallback|Using .* token|Using named proxy|lpszProxy: .*)|"
                              "UserProxyConfig: (WinHttp.*)");
     const auto run = [&](const char* proxy, const char* credentials, const std::string& outcome, const Lines& options,
                          const std::string& registry = {}) {
         SetRegistry(registry);
-        service.Forget();
+        receiver.Forget();
         const Outcome result = RunProgram(Lines{"/hcmode=periodic"} + options);
         const Lines asked = squid.Asked();
-        std::string observed = service.Pulses().size() == 1 ? "arrives " : "does not arrive ";
+        std::string observed = receiver.Pulses().size() == 1 ? "arrives " : "does not arrive ";
         observed += asked.empty() ? "directly" : "by " + asked[0];
         std::string log;
         for (const std::string& line : result.log) {
@@ -130,11 +130,11 @@ TEST(Proxies, EachKindWithEachKindOfCredentials)
 
     run("named", "not asked for", "arrives " + tunnel, {server, port});
     run("named, dead", "not asked for", "arrives directly, Using proxy fallback", {server, "/port=9"});
-    service.SetBehaviour({.challenges = {"NTLM", "Basic realm=\"x\""}, .authorization = "Basic YmVydDpzZWNyZXQ="});
+    receiver.SetBehaviour({.challenges = {"NTLM", "Basic realm=\"x\""}, .authorization = "Basic YmVydDpzZWNyZXQ="});
     run("named", "none", "does not arrive " + refused, {server, port});
     run("named", "wrong", "does not arrive " + refused, {server, port, user, "/password=wrong"});
     ExpectLog(run("named", "right", "arrives " + tunnel, {server, port, user, "/password=secret"}), "negotiation.log");
-    service.SetBehaviour({});
+    receiver.SetBehaviour({});
 
     const std::string machine = Settings(true, 3, {"box:1", ""});
     const std::string nobody = "arrives directly, Using 'safer' token, ";
@@ -182,7 +182,7 @@ TEST(Proxies, ALogonOnTheNextConnectionGoesToNoOtherCertificate)
 {
     const Squid squid;
     const Lines challenge = {"Basic realm=\"x\""};
-    LocalService first("server-a", 0);
+    LocalReceiver first("server-a", 0);
     first.SetBehaviour({.unframed = true, .challenges = challenge}); // which ends the connection
     const std::tuple<const char*, const char*, std::size_t, std::size_t> kCases[] = {
         {"server-b", "", 2, 1},                                          // Wine asks without and is asked itself
@@ -191,7 +191,7 @@ TEST(Proxies, ALogonOnTheNextConnectionGoesToNoOtherCertificate)
     };
     SetRegistry();
     for (const auto& [certificate, error, requests, pulses] : kCases) {
-        LocalService second(certificate, 0);
+        LocalReceiver second(certificate, 0);
         second.SetBehaviour({.challenges = challenge}); // a pulse there means that credentials came with it
         const Lines options = {"/server=127.0.0.1", "/port=31280", "/username=bert", "/password=secret"};
         Relay relay(8000, {first.Port(), second.Port()});

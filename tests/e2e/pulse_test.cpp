@@ -1,8 +1,8 @@
-// Whole pulses: the built program under Wine against the local service.
-#include "e2e/local_service.h"
+// Whole pulses: the built program under Wine against the local receiver.
+#include "e2e/local_receiver.h"
 #include "e2e/program.h"
 #include "e2e/relay.h"
-#include "option_rules.h"
+#include "support/option_rules.h"
 
 #include <gtest/gtest.h>
 #include <httplib.h>
@@ -17,7 +17,7 @@
 namespace vantor::e2e {
 namespace {
 
-using service::Behaviour;
+using receiver::Behaviour;
 
 /// The request id is random; everything else of a body is not.
 std::string WithoutId(const std::string& body)
@@ -56,15 +56,15 @@ TEST_F(PulseTest, EachModePostsItsReport)
          "DgIKAAAAAAC6RwH/////////////AQAOKwAAAAAAAAAAAAAAAgAAAAAAAABkhg=="},
         {{"/hcmode=periodic"}, "DgMKAAAAAAC6RwH///////8AAAAAAQAOKwAAAAAAAAAAAAAAAQAAAAAAAABkhg=="},
     };
-    LocalService service;
+    LocalReceiver receiver;
     for (const auto& [arguments, report] : kCases) {
         SCOPED_TRACE(arguments.front());
         SetRegistry();
-        service.Forget();
+        receiver.Forget();
         const Outcome outcome = RunProgram(arguments);
         EXPECT_EQ(outcome.exitCode, 0);
         EXPECT_EQ(outcome.standardOutput + outcome.standardError, "");
-        const auto requests = service.Requests();
+        const auto requests = receiver.Requests();
         ASSERT_EQ(requests.size(), 1u);
         EXPECT_EQ(requests[0].refusal, "");
         EXPECT_EQ(WithoutId(requests[0].body), kCiSection + report + "\"}}");
@@ -80,7 +80,7 @@ TEST_F(PulseTest, EachModePostsItsReport)
 
 TEST_F(PulseTest, TheLogOfAPeriodicRunTellsEveryStepInOrder)
 {
-    LocalService service;
+    LocalReceiver receiver;
     ExpectLog(RunPeriodic(), "periodic.log");
 }
 
@@ -102,7 +102,7 @@ TEST_F(PulseTest, OnlyAPinnedIssuersServerIsTrusted)
     };
     for (const auto& [certificate, accepted, line] : kCases) {
         SCOPED_TRACE(certificate);
-        LocalService service(certificate);
+        LocalReceiver receiver(certificate);
         const Outcome outcome = RunPeriodic();
         EXPECT_EQ(outcome.exitCode, 0);
         EXPECT_TRUE(outcome.Logged(line));
@@ -112,7 +112,7 @@ TEST_F(PulseTest, OnlyAPinnedIssuersServerIsTrusted)
 
 TEST_F(PulseTest, WhateverTheReplyTheRunEndsAndItsLogTells)
 {
-    using service::CutPoint;
+    using receiver::CutPoint;
     const struct {
         Behaviour behaviour;
         std::string text; ///< of one line of the log
@@ -137,16 +137,16 @@ TEST_F(PulseTest, WhateverTheReplyTheRunEndsAndItsLogTells)
         {{.bodyBytes = 1000, .unframed = true, .endless = true}, "The reply is cut after 16777000 bytes"},
         {{.bodyBytes = 9, .pieceDelay = std::chrono::milliseconds(100)}, "Response data: xxxxxxxxx"},
     };
-    LocalService service;
+    LocalReceiver receiver;
     for (const auto& [behaviour, text] : kCases) {
         SCOPED_TRACE(text.substr(0, 80));
-        service.Forget();
-        service.SetBehaviour(behaviour);
+        receiver.Forget();
+        receiver.SetBehaviour(behaviour);
         const Outcome outcome = RunPeriodic();
         EXPECT_EQ(outcome.exitCode, 0);
         EXPECT_TRUE(std::ranges::any_of(outcome.log, [&](const auto& line) { return line.find(text) != line.npos; }));
         EXPECT_EQ(outcome.log.back(), "TRACE: Leaving SendTelemetry");
-        EXPECT_EQ(service.Pulses().size(), 1u); // nothing is sent twice
+        EXPECT_EQ(receiver.Pulses().size(), 1u); // nothing is sent twice
     }
 }
 
@@ -165,8 +165,8 @@ TEST_F(PulseTest, WithoutAServerOneDirectAttemptFollowsAndTheRunEndsWell)
 
 TEST_F(PulseTest, WhereverTheConnectionIsCutTheRunEndsAndSendsNothingTwice)
 {
-    LocalService service("server-a", 0);
-    Relay whole(8000, {service.Port()});
+    LocalReceiver receiver("server-a", 0);
+    Relay whole(8000, {receiver.Port()});
     EXPECT_EQ(RunPeriodic().exitCode, 0);
     whole.Stop();
     ASSERT_EQ(whole.Turns().size(), 4u); // greeting, key, request, end
@@ -178,15 +178,15 @@ TEST_F(PulseTest, WhereverTheConnectionIsCutTheRunEndsAndSendsNothingTwice)
     cuts.erase(cuts.upper_bound(all), cuts.end());
     for (const std::size_t cut : cuts) {
         SCOPED_TRACE(cut);
-        service.Forget();
-        Relay relay(8000, {service.Port()}, cut, cut < all && cut % 2 == 1);
+        receiver.Forget();
+        Relay relay(8000, {receiver.Port()}, cut, cut < all && cut % 2 == 1);
         const Outcome outcome = RunPeriodic();
         relay.Stop();
         EXPECT_EQ(outcome.exitCode, 0); // a run of a minute is ended with another
         EXPECT_EQ(outcome.log.back(), "TRACE: Leaving SendTelemetry");
         EXPECT_EQ(std::ranges::any_of(outcome.log, IsFailure), cut < all);
         EXPECT_EQ(relay.Connections(), 1u); // it could be reached: no other way is tried, and nothing again
-        EXPECT_EQ(service.Pulses().size(), cut > asked ? 1u : 0u);
+        EXPECT_EQ(receiver.Pulses().size(), cut > asked ? 1u : 0u);
     }
 }
 
@@ -233,11 +233,11 @@ TEST_F(PulseTest, RunsInOneProcessLeaveItAsItWas)
         return RunProgram(VANTOR_TEST_MODULES "/many_runs.exe",
                           {count, apartment, "/hcmode=periodic", option, "/logfile=" + WindowsPath(log)}, log);
     };
-    LocalService service;
+    LocalReceiver receiver;
     const Outcome many = run("60", "", "/resttest");
     EXPECT_EQ(many.exitCode, 0); // S_OK: COM is not initialised
-    ASSERT_EQ(service.Pulses().size(), 60u);
-    EXPECT_TRUE(service.Pulses()[0].pulse.client.contains("ro"));
+    ASSERT_EQ(receiver.Pulses().size(), 60u);
+    EXPECT_TRUE(receiver.Pulses()[0].pulse.client.contains("ro"));
     std::istringstream text(many.standardOutput);
     const std::vector<int> figures(std::istream_iterator<int>(text), {});
     ASSERT_EQ(figures.size(), 120u);

@@ -1,4 +1,4 @@
-// A relay before the service, for what goes wrong on the way to it.
+// A relay before the receiver, for what goes wrong on the way to it.
 #pragma once
 
 #include <cstddef>

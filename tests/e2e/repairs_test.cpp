@@ -1,5 +1,5 @@
 // What a run repairs in the registry, and how it traces the updater.
-#include "e2e/local_service.h"
+#include "e2e/local_receiver.h"
 #include "e2e/program.h"
 
 #include <gtest/gtest.h>
@@ -88,7 +88,7 @@ TEST(Repairs, BeforeAndAfter)
     for (const auto& row : kCases) {
         SCOPED_TRACE(row.arguments.front());
         SetRegistry(row.machine);
-        LocalService service;
+        LocalReceiver receiver;
         const Outcome outcome = RunProgram(row.arguments);
         EXPECT_EQ(outcome.exitCode, row.exitCode);
         EXPECT_EQ(outcome.log.empty(), row.exitCode != 0);
@@ -99,9 +99,9 @@ TEST(Repairs, BeforeAndAfter)
         EXPECT_EQ(RegistryValue(kService, "Other"), row.machine.empty() ? "" : "kept");
         EXPECT_EQ(RegistryValue(kQuality, kQualityValue), row.quality);
         const bool isSent = row.arguments.front() != "/uninstall" && row.exitCode == 0;
-        const auto pulses = service.Pulses();
+        const auto pulses = receiver.Pulses();
         ASSERT_EQ(pulses.size(), isSent ? 1u : 0u);
-        EXPECT_EQ(service.ConnectionCount(), pulses.size());
+        EXPECT_EQ(receiver.ConnectionCount(), pulses.size());
         EXPECT_EQ(isSent ? pulses[0].pulse.report.record.bitfield_test_results.Word() >> 19 & 15 : 0, row.bits);
         EXPECT_TRUE(!isSent || pulses[0].pulse.client["cid"] == row.cid) << pulses[0].pulse.client;
     }

@@ -1,14 +1,14 @@
 // What the fuzzers feed: every reader of bytes that others write. A promise that is not kept ends the program, as what
 // a sanitizer finds does. Each target is a program of its own, which VANTOR_FUZZ_TARGET names.
-#include "health/content_version.h"
-#include "health/dotted_version.h"
+#include "health/record/content_version.h"
+#include "health/record/dotted_version.h"
 #include "inspect/inspect_command.h"
 #include "inspect/pulse_text.h"
-#include "option_rules.h"
 #include "platform/multi_string.h"
-#include "recording_logger.h"
-#include "run/options.h"
-#include "telemetry/pem.h"
+#include "run/options/options.h"
+#include "support/option_rules.h"
+#include "support/recording_logger.h"
+#include "telemetry/request/pem.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -1,6 +1,6 @@
 #include "health/collectors.h"
 
-#include "scratch_registry.h"
+#include "support/scratch_registry.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-// A body as a client writes it, for the tests of the service.
+// A body as a client writes it, for the tests of the receiver.
 #pragma once
 
 #include "telemetry/payload_text.h"

@@ -1,6 +1,6 @@
 #include "platform/delay_import.h"
 #include "platform/registry.h"
-#include "scratch_registry.h"
+#include "support/scratch_registry.h"
 
 #include <gtest/gtest.h>
 

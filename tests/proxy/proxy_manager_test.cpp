@@ -1,7 +1,7 @@
-#include "proxy_test.h"
+#include "support/proxy_test.h"
 
+#include "proxy/auth/proxy_auth_user.h"
 #include "proxy/proxy_auth_list_manager.h"
-#include "proxy/proxy_auth_user.h"
 
 #include <regex>
 

@@ -1,7 +1,7 @@
 // The program's own connection over the real Windows calls, with settings that no option of the program gives.
 #include "platform/text.h"
-#include "telemetry/http_connection.h"
-#include "telemetry/http_implementation.h"
+#include "telemetry/http/http_connection.h"
+#include "telemetry/winhttp/http_implementation.h"
 
 #include <iostream>
 

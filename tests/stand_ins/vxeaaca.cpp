@@ -1,9 +1,9 @@
-// Stands in for the product's access-protection module (health/aac_control.h): it protects nothing, but tells what it
+// Stands in for the product's access-protection module (health/protection/aac_control.h): it protects nothing, but tells what it
 // was asked. Environment variables rule it, read at every call:
 //   VXEAACA_RECORD     the file that gets a line for every call, with its arguments
 //   VXEAACA_VERSIONS   the interface names it supports, parted by blanks; all when it is not set
 //   VXEAACA_REFUSE     the operation that fails with error 5 or, with ":null" behind it, that hands out nothing
-#include "health/aac_control.h"
+#include "health/protection/aac_control.h"
 
 #include <objbase.h>
 

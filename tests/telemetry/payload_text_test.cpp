@@ -1,6 +1,6 @@
 #include "telemetry/payload_text.h"
-#include "telemetry/pem.h"
-#include "telemetry/proxy_settings.h"
+#include "proxy/config/proxy_settings.h"
+#include "telemetry/request/pem.h"
 
 #include <gmock/gmock.h>
 

@@ -1,7 +1,7 @@
 #include "telemetry/vri_rest.h"
 
-#include "scratch_registry.h"
-#include "telemetry/code_names.h"
+#include "support/scratch_registry.h"
+#include "telemetry/winhttp/code_names.h"
 
 #include <gtest/gtest.h>
 #include <windows.h>
@@ -53,7 +53,7 @@ TEST(CodeNames, AreThoseOfTheWindowsHeaders)
 #define EXPECT_ERROR_NAME(name) EXPECT_EQ(WinHttpErrorName(ERROR_WINHTTP_##name), "ERROR_WINHTTP_" #name)
 #define EXPECT_STATUS_NAME(name)                                                                                       \
     EXPECT_EQ(WinHttpStatusName(WINHTTP_CALLBACK_STATUS_##name), "WINHTTP_CALLBACK_STATUS_" #name)
-#include "telemetry/winhttp_names.inc"
+#include "telemetry/winhttp/winhttp_names.inc"
 #undef EXPECT_ERROR_NAME
 #undef EXPECT_STATUS_NAME
 }

@@ -1,0 +1,55 @@
+// The report: the health record, in a pre-update run followed by a block of text items. These bytes are what a pulse
+// sends.
+#pragma once
+
+#include "health/record/health_record.h"
+
+#include <cstdint>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace vantor {
+
+using ReportBytes = std::vector<std::uint8_t>;
+
+/// The most bytes that a report may have; a larger one is refused by the telemetry client.
+inline constexpr std::size_t kReportLimitBytes = 14336;
+
+/// What an item reads whose source could not be read.
+inline constexpr char kUnavailable[] = "Unavailable";
+
+/// The text items of a pre-update report as bytes, each followed by one NUL.
+struct TextBlock {
+    std::vector<std::uint8_t> bytes;
+    std::vector<std::string> leftOut; ///< items for which the report had no room
+};
+
+/// Lays out the items in order. An item ends at its first NUL. What would take the report over kReportLimitBytes is
+/// left out, item by item.
+TextBlock BuildTextBlock(std::span<const std::string> items);
+
+/// The record's 46 bytes.
+ReportBytes EncodeReport(const HealthRecord& record);
+
+/// The record's 46 bytes, the block's length in two bytes, little-endian, and the block.
+ReportBytes EncodeReport(const HealthRecord& record, const TextBlock& block);
+
+/// A report, decoded.
+struct Report {
+    HealthRecord record;
+    std::vector<std::string> textItems; ///< empty unless the mode is predatupdate
+};
+
+/// what() says what is wrong with the bytes of a report.
+class ReportError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// Decodes a report. Throws ReportError when the bytes are too few or too many, when the layout version is another
+/// one, when the text block is missing in a pre-update report, present in another, or not what its length says.
+Report DecodeReport(std::span<const std::uint8_t> bytes);
+
+} // namespace vantor

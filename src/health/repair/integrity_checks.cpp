@@ -1,0 +1,132 @@
+#include "health/repair/integrity_checks.h"
+
+#include "health/protection/access_protection.h"
+#include "health/record/dotted_version.h"
+#include "platform/multi_string.h"
+#include "platform/registry.h"
+#include "platform/text.h"
+#include "run/log/logging.h"
+
+#include <string>
+
+namespace vantor {
+namespace {
+
+constexpr wchar_t kServiceKey[] = L"System\\CurrentControlSet\\Services\\vxedisk";
+constexpr REGSAM kRead = KEY_QUERY_VALUE | KEY_WOW64_64KEY;
+constexpr REGSAM kReadAndWrite = KEY_QUERY_VALUE | KEY_SET_VALUE | KEY_WOW64_64KEY;
+
+/// Asks for access to the service's key and values. What is refused is logged: the change is tried all the same.
+void RequestServiceAccess(ScopedAccessProtectionExclusionObject& exclusion)
+{
+    constexpr std::uint32_t kKeyAccess = 0x10038B;
+    constexpr std::uint32_t kValueAccess = 0x10000B;
+    constexpr wchar_t kKey[] = L"HKLM\\System\\CurrentControlSet\\Services\\vxedisk";
+    constexpr wchar_t kValues[] = L"HKLM\\System\\CurrentControlSet\\Services\\vxedisk\\**";
+
+    if (exclusion.InitialisationResult() != 0) {
+        LogTrace("Failed on initialization scoped access protection exclusion object.");
+        return;
+    }
+    if (!exclusion.GetRegistryKeyAccessToProcess(kKey, kKeyAccess)) {
+        LogTrace("Failed on call GetRegistryKeyAccessToProcess().  Access requested for " + ToNarrow(kKey));
+    }
+    if (!exclusion.GetRegistryValueAccessToProcess(kValues, kValueAccess)) {
+        LogTrace("Failed on call GetRegistryValueAccessToProcess(). Access requested for " + ToNarrow(kValues));
+    }
+}
+
+/// The Start value that the driver should have; nothing when it is right as it is.
+std::optional<std::uint32_t> WantedStart(bool isListed, std::uint32_t start)
+{
+    constexpr std::uint32_t kBoot = 0;
+    constexpr std::uint32_t kDemand = 3;
+    constexpr std::uint32_t kDisabled = 4;
+
+    if (isListed) {
+        return start == kBoot ? std::nullopt : std::optional(kBoot);
+    }
+    return start == kDisabled || start == kUnreadableStart ? std::optional(kDemand) : std::nullopt;
+}
+
+} // namespace
+
+void EnsureQualityCompat()
+{
+    constexpr wchar_t kValue[] = L"cadca5fe-87d3-4b96-b7fb-a231484277cc";
+
+    const auto key = RegistryKey::OpenOrCreate(L"Software\\Microsoft\\Windows\\CurrentVersion\\QualityCompat",
+                                               KEY_SET_VALUE | KEY_WOW64_64KEY);
+    if (!key || key->QueryDword(kValue, 1) == 0U) {
+        return;
+    }
+    key->DeleteValue(kValue);
+    key->SetDword(kValue, 0);
+}
+
+void CheckVxediskDeleteFlag(RunConfig& config)
+{
+    constexpr wchar_t kValue[] = L"DeleteFlag";
+
+    const auto service = RegistryKey::Open(kServiceKey, kRead);
+    if (!service || !service->QueryDword(kValue)) {
+        return;
+    }
+    config.vxediskDeleteFlag = true;
+
+    ScopedAccessProtectionExclusionObject exclusion;
+    RequestServiceAccess(exclusion);
+    const auto writable = RegistryKey::Open(kServiceKey, kReadAndWrite);
+    config.vxediskDeleteFlagError = !writable || writable->DeleteValue(kValue) != ERROR_SUCCESS;
+}
+
+void CheckVxediskStartValue(RunConfig& config)
+{
+    if (!IsSystemCoreBelow20_5()) {
+        return;
+    }
+    const bool isListed = IsvxediskInUpperFilters();
+    const auto wanted = WantedStart(isListed, GetvxediskStartValue());
+    if (!wanted) {
+        return;
+    }
+    config.vxediskStartValue = true;
+
+    ScopedAccessProtectionExclusionObject exclusion;
+    RequestServiceAccess(exclusion);
+    const auto writable = RegistryKey::Open(kServiceKey, kReadAndWrite);
+    config.vxediskStartValueError = !writable || writable->SetDword(L"Start", *wanted) != ERROR_SUCCESS;
+}
+
+std::uint32_t GetvxediskStartValue()
+{
+    const auto service = RegistryKey::Open(kServiceKey, kRead);
+    const auto start = service ? service->QueryDword(L"Start") : std::nullopt;
+    const std::uint32_t result = start.value_or(kUnreadableStart);
+    LogTrace("GetvxediskStartValue: " + std::to_string(result));
+    return result;
+}
+
+bool IsvxediskInUpperFilters()
+{
+    const auto key =
+        RegistryKey::Open(L"System\\CurrentControlSet\\Control\\Class\\{4d36e967-e325-11ce-bfc1-08002be10318}", kRead);
+    const auto filters = key ? key->QueryData(L"UpperFilters", REG_MULTI_SZ) : std::nullopt;
+    const bool result = filters && MultiStringContains(*filters, u"vxedisk");
+    LogTrace(std::string("IsvxediskInUpperFilters: ") + (result ? "1" : "0"));
+    return result;
+}
+
+bool IsSystemCoreBelow20_5()
+{
+    const auto key = RegistryKey::Open(L"SOFTWARE\\WOW6432Node\\Vexora\\SystemCore", KEY_READ | KEY_WOW64_32KEY);
+    const auto text = key ? key->QueryWholeText(L"system_core_version") : std::nullopt;
+    const auto version = text ? ParseDottedVersion(ToNarrow(*text)) : std::nullopt;
+    if (!version) {
+        return false;
+    }
+    const std::uint16_t major = version->front();
+    return major < 20 || (major == 20 && version->size() > 1 && (*version)[1] < 5);
+}
+
+} // namespace vantor

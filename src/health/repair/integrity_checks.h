@@ -1,0 +1,36 @@
+// Repairs of registry states that can leave a host unprotected or unbootable after a content update. None of them
+// fails the run: their outcome is in the result flags of the RunConfig and in the log.
+#pragma once
+
+#include "run/config/run_config.h"
+
+#include <cstdint>
+
+namespace vantor {
+
+/// Writes the compatibility value that Windows asks of anti-malware products, a REG_DWORD 0, unless it can be read and
+/// is 0. The key is opened for writing only, so on a standard registry it is written every time.
+void EnsureQualityCompat();
+
+/// Removes the value DeleteFlag of the disk filter driver's service. Sets vxediskDeleteFlag when it was there, and
+/// vxediskDeleteFlagError when it could not be removed.
+void CheckVxediskDeleteFlag(RunConfig& config);
+
+/// On product platforms older than 20.5 makes the driver's Start value agree with the disk class's filter list: a
+/// listed driver starts at boot (0), one that is not listed and disabled or unreadable starts on demand (3). Sets
+/// vxediskStartValue when a correction was needed, and vxediskStartValueError when it could not be written.
+void CheckVxediskStartValue(RunConfig& config);
+
+/// What GetvxediskStartValue gives when the value cannot be read.
+inline constexpr std::uint32_t kUnreadableStart = 0xFFFFFFFF;
+
+/// The Start value of the driver's service.
+std::uint32_t GetvxediskStartValue();
+
+/// Whether the disk class's UpperFilters, a REG_MULTI_SZ, names the driver.
+bool IsvxediskInUpperFilters();
+
+/// Whether the product platform's version, in the 32-bit view, is below 20.5; false when it cannot be read.
+bool IsSystemCoreBelow20_5();
+
+} // namespace vantor

@@ -1,0 +1,197 @@
+#include "health/tracing/updater_tracing.h"
+
+#include "health/protection/access_protection.h"
+#include "health/tracing/trace_files.h"
+#include "platform/process_list.h"
+#include "platform/text.h"
+#include "run/log/logging.h"
+#include "trace_providers.h"
+
+#include <objbase.h>
+
+#include <algorithm>
+#include <optional>
+
+namespace vantor {
+namespace {
+
+constexpr std::uint64_t kLeastFreeMebibytes = 151;
+
+/// Asks for access to the trace folder for the operation of this name. What is refused is logged; the operation goes
+/// on.
+void RequestFolderAccess(ScopedAccessProtectionExclusionObject& exclusion, const std::string& operation)
+{
+    constexpr std::uint32_t kFileAccess = 0x14201B;
+
+    if (exclusion.InitialisationResult() != ERROR_SUCCESS) {
+        LogTrace(operation + ": Failed on initialization scoped access protection exclusion object.");
+        return;
+    }
+    const auto folder = TraceFolder();
+    if (!folder) {
+        return; // there is no path to ask for
+    }
+    const std::wstring path = *folder + L"*";
+    if (!exclusion.AllowFilePathAccessToProcess(path.c_str(), kFileAccess)) {
+        LogTrace(operation +
+                 ": Failed on call AllowFilePathAccessToProcess().  Access requested for path:" + ToNarrow(path));
+    }
+}
+
+bool WasStartedByUpdater()
+{
+    return ParentName(ListProcesses().entries, ::GetCurrentProcessId()) == "scupdate.exe";
+}
+
+/// Makes room for one more trace file where ten or more are there.
+bool TrimOldTraces(const std::wstring& folder)
+{
+    const std::vector<std::wstring> files = ListTraceFiles(folder);
+    if (files.size() <= kMostTraceFiles) {
+        return true;
+    }
+    ScopedAccessProtectionExclusionObject exclusion;
+    RequestFolderAccess(exclusion, "ShouldStartETLTracing");
+    if (!TrimTraceFiles(files)) {
+        LogError("Delete of old log failed, so cannot proceed");
+        return false;
+    }
+    return true;
+}
+
+/// The properties of a session that starts now; logs it when they cannot be made.
+std::optional<TraceProperties> MakePropertiesForNow()
+{
+    SYSTEMTIME now{};
+    ::GetLocalTime(&now);
+    const auto folder = TraceFolder();
+    auto trace = folder ? MakeTraceProperties(*folder + TraceFileName(now), IsWindowsVersion6()) : std::nullopt;
+    if (!trace) {
+        LogError("Failed to create properties instance");
+    }
+    return trace;
+}
+
+/// Starts the session or finds the one that runs; returns the error of neither.
+DWORD StartOrReuse(TraceProperties& trace, TRACEHANDLE& session, IEventTracing& tracing)
+{
+    const DWORD error = tracing.Start(session, trace);
+    if (error != ERROR_ALREADY_EXISTS) {
+        if (error != ERROR_SUCCESS) {
+            LogError("Failed to start logging. exitCode:" + std::to_string(error));
+        }
+        return error;
+    }
+    LogTrace("Logging session already exists. Reusing existing session.");
+    if (const DWORD queried = tracing.Query(trace); queried != ERROR_SUCCESS) {
+        LogError("The running session cannot be queried. Error:" + std::to_string(queried));
+        return queried;
+    }
+    session = trace.properties.Wnode.HistoricalContext; // where a query leaves the session's handle
+    return ERROR_SUCCESS;
+}
+
+void EnableProviders(TRACEHANDLE session, const TraceProviders& providers, IEventTracing& tracing)
+{
+    std::vector<GUID> registered;
+    if (const DWORD error = tracing.Enumerate(registered); error != ERROR_SUCCESS) {
+        LogWarning("The registered trace providers cannot be listed. Error:" + std::to_string(error));
+        registered.clear();
+    }
+    for (const TraceProvider& provider : providers) {
+        const auto isThis = [&provider](const GUID& id) { return ::IsEqualGUID(id, provider.id) != FALSE; };
+        if (std::any_of(registered.begin(), registered.end(), isThis)) {
+            continue;
+        }
+        if (const DWORD error = tracing.Enable(session, provider.id, provider.level); error != ERROR_SUCCESS) {
+            LogWarning("A trace provider cannot be enabled. Error:" + std::to_string(error));
+        }
+    }
+}
+
+} // namespace
+
+bool HasRoomForTrace(std::uint64_t freeBytes)
+{
+    return freeBytes >> 20 >= kLeastFreeMebibytes;
+}
+
+bool ShouldStartETLTracing(const RunConfig& config, IEventTracing& tracing)
+{
+    if (!IsPreUpdate(config)) {
+        return false;
+    }
+    if (!WasStartedByUpdater()) {
+        LogWarning("This product is not configured for update etl tracing");
+        return false;
+    }
+    const auto folder = TraceFolder();
+    if (!folder) {
+        return true; // starting the trace will say that it has no file
+    }
+    if (!TrimOldTraces(*folder)) {
+        return false;
+    }
+    const auto freeBytes = tracing.FreeBytes(*folder);
+    if (freeBytes && !HasRoomForTrace(*freeBytes)) {
+        LogError("Error, cannot start etl tracing as disk space is low:" + std::to_string(*freeBytes >> 20) +
+                 "MB only");
+        return false;
+    }
+    return true;
+}
+
+DWORD populateGUID(TraceProviders& providers)
+{
+    for (const auto& [level, text] : kTraceProviderTexts) {
+        GUID id{};
+        if (const HRESULT converted = ::CLSIDFromString(text, &id); FAILED(converted)) {
+            return static_cast<DWORD>(converted);
+        }
+        providers.push_back({level, id});
+    }
+    return ERROR_SUCCESS;
+}
+
+DWORD StartLogging(const TraceProviders& providers, IEventTracing& tracing)
+{
+    constexpr DWORD kNothingToRecord = 0xFFFFFFFF;
+
+    ScopedAccessProtectionExclusionObject exclusion;
+    RequestFolderAccess(exclusion, "StartLogging");
+    auto trace = MakePropertiesForNow();
+    if (!trace) {
+        return ERROR_INVALID_DATA;
+    }
+    if (providers.empty()) {
+        return kNothingToRecord;
+    }
+    TRACEHANDLE session = 0;
+    if (const DWORD error = StartOrReuse(*trace, session, tracing); error != ERROR_SUCCESS) {
+        return error;
+    }
+    EnableProviders(session, providers, tracing);
+    LogTrace("Now Logging.");
+    return ERROR_SUCCESS;
+}
+
+DWORD StopLogging(IEventTracing& tracing)
+{
+    ScopedAccessProtectionExclusionObject exclusion;
+    RequestFolderAccess(exclusion, "StopLogging");
+    auto trace = MakePropertiesForNow();
+    if (!trace) {
+        return ERROR_INVALID_DATA;
+    }
+    const DWORD error = tracing.Stop(*trace);
+    if (error == ERROR_SUCCESS) {
+        LogTrace("Stopped logging");
+    } else if (error == ERROR_WMI_INSTANCE_NOT_FOUND) {
+        LogTrace("Cannot stop as no running instance exist with logger name:" + ToNarrow(kTraceLoggerName));
+    } else {
+        LogError("Errors/warnings during stop logging request Error:" + std::to_string(error));
+    }
+    return error;
+}
+
+} // namespace vantor

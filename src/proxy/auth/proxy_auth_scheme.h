@@ -1,0 +1,68 @@
+// The ways in which a request authenticates to a proxy.
+#pragma once
+
+#include "proxy/auth/proxy_auth_host.h"
+#include "run/log/logger.h"
+
+#include <memory>
+
+namespace vantor {
+
+/// Base of all schemes. As it stands it sets nothing on the request. All messages are at trace level.
+class CHTTPProxyAuthScheme {
+public:
+    virtual ~CHTTPProxyAuthScheme() = default;
+    CHTTPProxyAuthScheme(const CHTTPProxyAuthScheme&) = delete;
+    CHTTPProxyAuthScheme& operator=(const CHTTPProxyAuthScheme&) = delete;
+
+    /// Prepares the request for one attempt; non-zero for success.
+    virtual DWORD InitRequest(IProxyAuthHost& host, IProxiedRequest& request);
+
+    /// Undoes what InitRequest did to the thread; non-zero for success.
+    virtual DWORD CleanRequest();
+
+    /// The WINHTTP_AUTH_SCHEME_ value that the scheme stands for; 0: none.
+    DWORD MsScheme() const { return m_msScheme; }
+
+protected:
+    /// Logs the message under the constructor's name.
+    CHTTPProxyAuthScheme(std::shared_ptr<ILogger> logger, DWORD msScheme, const char* constructor, const char* message);
+
+    /// Sets the configured user name and password on the request for this scheme; non-zero for success.
+    DWORD SetCredentials(IProxyAuthHost& host, IProxiedRequest& request) const;
+
+    const std::shared_ptr<ILogger>& Logger() const { return m_logger; }
+
+private:
+    std::shared_ptr<ILogger> m_logger;
+    DWORD m_msScheme;
+};
+
+/// No authentication: REP_PROXY_AUTH_SCHEME_NONE.
+class CHTTPProxyAuthNone : public CHTTPProxyAuthScheme {
+public:
+    explicit CHTTPProxyAuthNone(std::shared_ptr<ILogger> logger);
+};
+
+/// REP_PROXY_AUTH_SCHEME_BASIC with the configured credentials.
+class CHTTPProxyAuthBasic : public CHTTPProxyAuthScheme {
+public:
+    explicit CHTTPProxyAuthBasic(std::shared_ptr<ILogger> logger);
+    DWORD InitRequest(IProxyAuthHost& host, IProxiedRequest& request) override;
+};
+
+/// REP_PROXY_AUTH_SCHEME_NTLM with the configured credentials.
+class CHTTPProxyAuthNTLM : public CHTTPProxyAuthScheme {
+public:
+    explicit CHTTPProxyAuthNTLM(std::shared_ptr<ILogger> logger);
+    DWORD InitRequest(IProxyAuthHost& host, IProxiedRequest& request) override;
+};
+
+/// REP_PROXY_AUTH_SCHEME_KERBEROS with the configured credentials.
+class CHTTPProxyAuthKerberos : public CHTTPProxyAuthScheme {
+public:
+    explicit CHTTPProxyAuthKerberos(std::shared_ptr<ILogger> logger);
+    DWORD InitRequest(IProxyAuthHost& host, IProxiedRequest& request) override;
+};
+
+} // namespace vantor

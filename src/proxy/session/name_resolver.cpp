@@ -1,0 +1,56 @@
+#include <winsock2.h> // before any other header that brings in windows.h
+
+#include "proxy/session/name_resolver.h"
+
+#include "delay_import_tables.h"
+
+#include <ws2tcpip.h>
+
+#include <iterator>
+
+namespace vantor {
+
+std::string WindowsNameResolver::Missing()
+{
+    for (const DelayImport& import : {delay_imports::dnsapi, delay_imports::ws2_32}) {
+        if (std::string missing = FindMissing(import); !missing.empty()) {
+            return missing;
+        }
+    }
+    return {};
+}
+
+std::optional<std::uint32_t> FirstAddress(const DNS_RECORD* records)
+{
+    for (const DNS_RECORD* record = records; record; record = record->pNext) {
+        if (record->wType == DNS_TYPE_A) {
+            return record->Data.A.IpAddress;
+        }
+    }
+    return std::nullopt;
+}
+
+NameAnswer WindowsNameResolver::QueryAddress(const std::wstring& name, std::optional<std::uint32_t> server)
+{
+    IP4_ARRAY servers{1, {server.value_or(0)}};
+    PDNS_RECORD records = nullptr;
+    NameAnswer answer;
+    answer.status = static_cast<std::uint32_t>(
+        ::DnsQuery_W(name.c_str(), DNS_TYPE_A, DNS_QUERY_BYPASS_CACHE, server ? &servers : nullptr, &records, nullptr));
+    if (answer.status == ERROR_SUCCESS) {
+        answer.address = FirstAddress(records);
+        ::DnsFree(records, DnsFreeRecordList);
+    }
+    return answer;
+}
+
+std::optional<std::wstring> WindowsNameResolver::ToText(std::uint32_t address)
+{
+    wchar_t text[16]; // "255.255.255.255"
+    if (!::InetNtopW(AF_INET, &address, text, std::size(text))) {
+        return std::nullopt;
+    }
+    return text;
+}
+
+} // namespace vantor

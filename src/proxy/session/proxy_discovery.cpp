@@ -1,0 +1,26 @@
+#include "proxy/session/proxy_discovery.h"
+
+namespace vantor {
+
+BOOL WinHttpProxyDiscovery::GetProxyForUrl(HINTERNET session, const wchar_t* url, WINHTTP_AUTOPROXY_OPTIONS& options,
+                                           WINHTTP_PROXY_INFO& info)
+{
+    return ::WinHttpGetProxyForUrl(session, url, &options, &info);
+}
+
+BOOL WinHttpProxyDiscovery::GetUserProxyConfig(WINHTTP_CURRENT_USER_IE_PROXY_CONFIG& config)
+{
+    return ::WinHttpGetIEProxyConfigForCurrentUser(&config);
+}
+
+BOOL WinHttpProxyDiscovery::GetDefaultProxyConfiguration(WINHTTP_PROXY_INFO& info)
+{
+    return ::WinHttpGetDefaultProxyConfiguration(&info);
+}
+
+std::uint64_t WinHttpProxyDiscovery::TickCount()
+{
+    return ::GetTickCount64();
+}
+
+} // namespace vantor

@@ -1,0 +1,95 @@
+#include "proxy/user/token_calls.h"
+
+#include "platform/delay_import.h"
+
+namespace vantor {
+namespace {
+
+/// As abort() ends a process, apart from the 1 of an invalid command line.
+constexpr UINT kExitCode = 3;
+
+} // namespace
+
+void WindowsTokenCalls::LoadModules()
+{
+    // What WinHTTP binds on first use: for names, addresses and routes, for detection (by DHCP as well) and scripts
+    // (newer systems run those in a service of their own), and for TLS and logons, since the current-user scheme sends
+    // as the user. A Windows that lacks one of them does not need it either.
+    for (const wchar_t* const module : {L"winhttp.dll",    L"webio.dll",    L"OnDemandConnRouteHelper.dll",
+                                        L"ws2_32.dll",     L"mswsock.dll",  L"dnsapi.dll",
+                                        L"rasadhlp.dll",   L"fwpuclnt.dll", L"nlaapi.dll",
+                                        L"iphlpapi.dll",   L"winnsi.dll",   L"dhcpcsvc.dll",
+                                        L"dhcpcsvc6.dll",  L"jsproxy.dll",  L"secur32.dll",
+                                        L"sspicli.dll",    L"msv1_0.dll",   L"kerberos.dll",
+                                        L"schannel.dll",   L"bcrypt.dll",   L"ncrypt.dll",
+                                        L"ncryptsslp.dll", L"crypt32.dll",  L"cryptnet.dll",
+                                        L"rsaenh.dll"}) {
+        FindMissing({module, {}});
+    }
+}
+
+KernelHandle WindowsTokenCalls::OpenThreadToken(DWORD access)
+{
+    KernelHandle token;
+    ::OpenThreadToken(::GetCurrentThread(), access, TRUE, token.Receive());
+    return token;
+}
+
+BOOL WindowsTokenCalls::ImpersonateLoggedOnUser(HANDLE token)
+{
+    return ::ImpersonateLoggedOnUser(token);
+}
+
+BOOL WindowsTokenCalls::RevertToSelf()
+{
+    return ::RevertToSelf();
+}
+
+KernelHandle WindowsTokenCalls::DuplicateHandle(HANDLE token)
+{
+    KernelHandle copy;
+    HANDLE self = ::GetCurrentProcess(); // no handle of its own to close
+    ::DuplicateHandle(self, token, self, copy.Receive(), 0, FALSE, DUPLICATE_SAME_ACCESS);
+    return copy;
+}
+
+ProcessList WindowsTokenCalls::ListProcesses()
+{
+    return vantor::ListProcesses();
+}
+
+KernelHandle WindowsTokenCalls::OpenProcess(DWORD access, DWORD processId)
+{
+    return KernelHandle(::OpenProcess(access, FALSE, processId));
+}
+
+KernelHandle WindowsTokenCalls::OpenProcessToken(HANDLE process, DWORD access)
+{
+    KernelHandle token;
+    ::OpenProcessToken(process, access, token.Receive());
+    return token;
+}
+
+BOOL WindowsTokenCalls::SaferCreateLevel(DWORD scope, DWORD level, DWORD flags, SAFER_LEVEL_HANDLE& handle)
+{
+    return ::SaferCreateLevel(scope, level, flags, &handle, nullptr);
+}
+
+KernelHandle WindowsTokenCalls::SaferComputeTokenFromLevel(SAFER_LEVEL_HANDLE level)
+{
+    KernelHandle token;
+    ::SaferComputeTokenFromLevel(level, nullptr, token.Receive(), 0, nullptr);
+    return token;
+}
+
+BOOL WindowsTokenCalls::SaferCloseLevel(SAFER_LEVEL_HANDLE level)
+{
+    return ::SaferCloseLevel(level);
+}
+
+void WindowsTokenCalls::EndProcess()
+{
+    ::TerminateProcess(::GetCurrentProcess(), kExitCode);
+}
+
+} // namespace vantor

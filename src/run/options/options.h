@@ -1,0 +1,21 @@
+// The command line: which options there are, what their values may be, and which may stand together.
+#pragma once
+
+#include "run/config/run_config.h"
+#include "run/log/logger.h"
+#include "run/options/option_error.h"
+
+#include <span>
+#include <string>
+
+namespace vantor {
+
+/// Applies every argument, the program's own path at index 0 included, to the configuration, and logs each one.
+/// Option names match without regard to case; values keep theirs. Unknown arguments are only warned about.
+/// Throws OptionError for a missing value or a number that does not convert.
+void ParseArguments(std::span<const std::string> arguments, RunConfig& config, ILogger& log);
+
+/// Checks that the options given make sense together. Throws OptionError with the message of the first rule broken.
+void Validate(const RunConfig& config);
+
+} // namespace vantor

@@ -1,0 +1,44 @@
+// When the periodic task runs next and with which arguments: the chain in which each run registers the following one.
+#pragma once
+
+#include "run/config/run_config.h"
+
+#include <chrono>
+#include <cstdint>
+#include <ctime>
+#include <optional>
+#include <string>
+
+namespace vantor {
+
+/// Whether a run with these options registers the task's next run; if not, it deletes the task. Throws OptionError for
+/// a run count that the series (eight runs, three with /test) does not have.
+bool RegistersNextRun(const RunConfig& config);
+
+/// The run that a run with these options registers.
+struct NextRun {
+    std::chrono::seconds delay; ///< from now on
+    std::optional<std::uint8_t>
+        count; ///< its /periodicruncount; nothing when the series is over and it is to /continue
+};
+
+/// Reads the run count, or /continue; RegistersNextRun has to be true for the options.
+NextRun NextRunAfter(const RunConfig& config);
+
+/// The task's command line without the program: the mode, and what of the options the next run needs. That includes
+/// the proxy's password, in clear text. Begins with a blank.
+std::string TaskArguments(const RunConfig& config, std::optional<std::uint8_t> nextCount);
+
+/// Between which times the task's trigger is active, as local time "%Y-%m-%dT%H:%M:%S" without a zone.
+struct TaskWindow {
+    std::string start;
+    std::string end;
+};
+
+/// A time in the machine's zone.
+using LocalTime = std::tm (*)(std::chrono::sys_seconds time);
+
+/// The window that opens after the delay and stays open for three days, those of a clock change included.
+TaskWindow WindowAfter(std::chrono::sys_seconds now, std::chrono::seconds delay, LocalTime localTime);
+
+} // namespace vantor

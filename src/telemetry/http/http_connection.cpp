@@ -1,0 +1,272 @@
+#include "telemetry/http/http_connection.h"
+
+#include "platform/last_error.h"
+#include "telemetry/winhttp/code_names.h"
+
+#include <stdexcept>
+#include <utility>
+
+namespace vantor {
+namespace {
+
+constexpr DWORD kEnableHttpProtocol = 133; // WINHTTP_OPTION_ENABLE_HTTP_PROTOCOL, which older headers lack
+
+bool IsConnectFailure(DWORD error)
+{
+    return error == ERROR_WINHTTP_TIMEOUT || error == ERROR_WINHTTP_CANNOT_CONNECT;
+}
+
+/// Whether the request, sent with this result, reached a server that is not to be trusted. Without a certificate there
+/// was none to judge when the send failed, or when a proxy asked for authentication instead of building the tunnel.
+bool IsUntrusted(HttpRequest& request, DWORD sent)
+{
+    if (sent != ERROR_SUCCESS || request.Verdict() != CertificateVerdict::unknown) {
+        return request.Verdict() == CertificateVerdict::rejected;
+    }
+    DWORD status = 0;
+    return request.QueryStatusCode(status) != ERROR_SUCCESS || status != HTTP_STATUS_PROXY_AUTH_REQ;
+}
+
+void LogInvalidCertificate(CertificateVerdict verdict, bool isAnyPinned, const OperationLog& log)
+{
+    log.Error("HttpConnection::SendRequest invalid server certificate.");
+    if (!isAnyPinned) {
+        log.Error("There are no pinned certificates: no server is accepted.");
+    } else if (verdict == CertificateVerdict::rejected) {
+        log.Error("The server's certificate chain is trusted, but none of the pinned issuers signed the certificate: "
+                  "an inspecting proxy between this host and the service is the likely cause.");
+    }
+}
+
+} // namespace
+
+HttpConnection::HttpConnection(HttpConnectionSettings settings, std::shared_ptr<IHTTP> http,
+                               std::shared_ptr<ILogger> logger)
+    : m_settings(std::move(settings)), m_HttpInterface(std::move(http)), m_logger(std::move(logger)),
+      m_proxyManager(m_HttpInterface, m_settings.proxyCalls, m_logger, m_settings.http.userAgent)
+{
+    const OperationLog log = Log("HttpConnection::HttpConnection");
+    if (!m_HttpInterface) {
+        log.Error("Http implementation is null in HttpConnection::HttpConnection");
+        throw std::runtime_error("Http implementation is null.");
+    }
+    m_proxyManager.InitConfig(m_settings.proxy);
+    if (Reset() != ERROR_SUCCESS) {
+        log.Error("Reset failed in HttpConnection::HttpConnection");
+        throw std::runtime_error("Reset failed.");
+    }
+}
+
+HttpConnection::~HttpConnection()
+{
+    if (!Close()) {
+        Log("HttpConnection::~HttpConnection").Error("Unable to close connection");
+    }
+}
+
+bool HttpConnection::Close()
+{
+    const OperationLog log = Log("HttpConnection::Close");
+    bool closed = true;
+    if (m_hConnection && !m_HttpInterface->CloseHandle(std::exchange(m_hConnection, nullptr))) {
+        log.Error("m_HttpInterface->CloseHandle(m_hConnection) failed");
+        closed = false;
+    }
+    if (m_hSession && !m_HttpInterface->CloseHandle(std::exchange(m_hSession, nullptr))) {
+        log.Error("m_HttpInterface->CloseHandle(m_hSession) failed");
+        closed = false;
+    }
+    return closed;
+}
+
+DWORD HttpConnection::CheckConnection() const
+{
+    return m_hConnection ? ERROR_SUCCESS : ERROR_WINHTTP_INCORRECT_HANDLE_STATE;
+}
+
+DWORD HttpConnection::Reset()
+{
+    const TracedOperation log(m_logger, "HttpConnection::Reset");
+    const std::lock_guard lock(m_resetMutex);
+    Close();
+    const DWORD result = OpenHandles(log);
+    if (result != ERROR_SUCCESS) {
+        Close();
+    }
+    return result;
+}
+
+DWORD HttpConnection::OpenHandles(const OperationLog& log)
+{
+    const auto fail = [&log](const char* call) {
+        const DWORD error = LastErrorOr(ERROR_WINHTTP_INTERNAL_ERROR);
+        log.Error(std::string("HttpConnection::Reset ") + call + " error " + NamedWinHttpError(error));
+        return error;
+    };
+    HttpTimeouts& timeouts = m_settings.timeouts;
+
+    ::SetLastError(ERROR_SUCCESS); // a session kind that is missing fails without asking Windows
+    m_hSession = m_proxyManager.OpenSession(&timeouts.connectTimeoutMillisec);
+    if (!m_hSession) {
+        return fail("WinHttpOpen");
+    }
+    if (!m_HttpInterface->SetTimeouts(m_hSession, static_cast<int>(timeouts.resolveTimeoutMillisec),
+                                      static_cast<int>(timeouts.connectTimeoutMillisec),
+                                      static_cast<int>(timeouts.sendTimeoutMillisec),
+                                      static_cast<int>(timeouts.receiveTimeoutMillisec))) {
+        return fail("WinHttpSetTimeouts");
+    }
+    DWORD protocols = WINHTTP_FLAG_SECURE_PROTOCOL_TLS1_2;
+    if (!m_HttpInterface->SetOption(m_hSession, WINHTTP_OPTION_SECURE_PROTOCOLS, &protocols, sizeof(protocols))) {
+        return fail("WinHttpSetOption");
+    }
+    DWORD newerProtocols = 0;
+    if (!m_HttpInterface->SetOption(m_hSession, kEnableHttpProtocol, &newerProtocols, sizeof(newerProtocols))) {
+        if (const DWORD error = fail("WinHttpSetOption"); error != ERROR_WINHTTP_INVALID_OPTION) {
+            return error;
+        }
+        log.Trace("Tolerated: this Windows knows no newer HTTP protocol that would have to be switched off.");
+    }
+    m_hConnection = m_HttpInterface->Connect(m_hSession, m_settings.http.server.c_str(), m_settings.http.port, 0);
+    if (!m_hConnection) {
+        return fail("WinHttpConnect");
+    }
+    return ERROR_SUCCESS;
+}
+
+std::unique_ptr<HttpRequest> HttpConnection::CreateRequest(const HttpTarget& target)
+{
+    return std::make_unique<HttpRequest>(*this, m_HttpInterface, m_logger, target.objectName, target.verb,
+                                         WINHTTP_FLAG_SECURE);
+}
+
+void HttpConnection::Query(const HttpTarget& target, HttpHeaders headers, std::optional<std::string_view> body,
+                           HttpResponse& response)
+{
+    const TracedOperation log(m_logger, "HttpConnection::Query");
+    response.result = CheckConnection();
+    if (response.result != ERROR_SUCCESS) {
+        return;
+    }
+    const std::uint64_t maxSize = m_settings.http.maxSize;
+    if (body && maxSize != 0 && body->size() > maxSize) {
+        log.Error("VRI payload of size " + std::to_string(body->size()) +
+                  " bytes is oversized. Maximum size of VRI payload is " + std::to_string(maxSize) + " bytes.");
+        response.result = ERROR_INVALID_PARAMETER;
+        return;
+    }
+
+    std::string compressed;
+    if (body && m_settings.compressor) {
+        headers[L"Content-Encoding"] = L"Content-Encoding: gzip";
+        compressed = m_settings.compressor->Compress(*body);
+        body = compressed;
+    }
+    headers[L"Content-Length"] = L"Content-Length: " + std::to_wstring(body ? body->size() : 0);
+    log.Trace("Executing query, post data " + std::string(body.value_or("WINHTTP_NO_REQUEST_DATA")));
+
+    std::unique_ptr<HttpRequest> request;
+    response.result = SendRequest(request, target, headers, body);
+    while (IsConnectFailure(response.result) && m_proxyManager.ProxyFallbackIsConfigured() &&
+           m_proxyManager.ShouldFallBack()) {
+        log.Warning("Using proxy fallback");
+        request.reset();
+        response.result = Reset();
+        if (response.result == ERROR_SUCCESS) {
+            response.result = SendRequest(request, target, headers, body);
+        }
+    }
+    if (response.result != ERROR_SUCCESS) {
+        log.Warning("Failed to send http request");
+        return;
+    }
+    response.result = request->ReadResponse(response);
+    if (response.result != ERROR_SUCCESS) {
+        log.Warning("Failed to get response");
+    }
+}
+
+DWORD HttpConnection::SendRequest(std::unique_ptr<HttpRequest>& request, const HttpTarget& target,
+                                  const HttpHeaders& headers, std::optional<std::string_view> body)
+{
+    const TracedOperation log(m_logger, "HttpConnection::SendRequest");
+    if (const DWORD error = CheckConnection(); error != ERROR_SUCCESS) {
+        log.Error("no connection: " + NamedWinHttpError(error));
+        return error;
+    }
+
+    C_HTTPProxyAuthListManager schemes(m_proxyManager, m_logger);
+    for (int retries = 1;; ++retries) {
+        const Attempt attempt = SendAttempt(request, schemes, target, headers, body, log);
+        if (!attempt.again) {
+            if (attempt.result != ERROR_SUCCESS) {
+                log.Error("HTTPRequest::Send() failed, not retrying");
+            }
+            return attempt.result;
+        }
+        log.Warning("HTTPRequest::Send() failed, retrying, retry count=" + std::to_string(retries));
+    }
+}
+
+HttpConnection::Attempt HttpConnection::SendAttempt(std::unique_ptr<HttpRequest>& request,
+                                                    C_HTTPProxyAuthListManager& schemes, const HttpTarget& target,
+                                                    const HttpHeaders& headers, std::optional<std::string_view> body,
+                                                    const OperationLog& log)
+{
+    request.reset(); // the old handle goes before the new one comes
+    try {
+        request = CreateRequest(target);
+    } catch (const HttpRequestError& error) {
+        log.Error(error.what());
+        return {error.Code(), false};
+    }
+
+    DWORD result = ERROR_SUCCESS;
+    ::SetLastError(ERROR_SUCCESS); // a set-up that is refused does not always reach Windows
+    const bool prepared = schemes.InitRequest(m_hSession, *request, L"https://" + m_settings.http.server) != 0;
+    if (!prepared) {
+        result = LastErrorOr(ERROR_WINHTTP_LOGIN_FAILURE);
+        log.Error("HttpConnection::SendRequest ProxyManager::InitRequest failed err = " + WinHttpErrorName(result));
+    } else {
+        result = SendPrepared(*request, headers, body, log);
+    }
+    if (const DWORD cleaned = schemes.CleanRequest(); cleaned == 0) {
+        log.Trace("Clean request failed =" + std::to_string(cleaned));
+    }
+
+    if (IsUntrusted(*request, result)) {
+        LogInvalidCertificate(request->Verdict(), !m_settings.pinnedCertificates.empty(), log);
+        return {ERROR_WINHTTP_SECURE_FAILURE, false};
+    }
+    if (prepared) { // otherwise there is no answer to learn from, and the queue goes on as it is
+        schemes.FindNextAuthenticationScheme(*request);
+    }
+    return {result, schemes.WantsAnotherAttempt()};
+}
+
+DWORD HttpConnection::SendPrepared(HttpRequest& request, const HttpHeaders& headers,
+                                   std::optional<std::string_view> body, const OperationLog& log)
+{
+    constexpr int kMostSends = 4; // on Windows a logon of several steps (NTLM) can ask for the whole request again
+
+    const std::string_view data = body.value_or("");
+    bool certificateValid = false; // the verdict says more
+    bool retry = false;
+    DWORD result = request.AddHeaders(headers);
+    for (int sends = 0; result == ERROR_SUCCESS && sends < kMostSends; ++sends) {
+        result = request.Send({}, data, static_cast<DWORD>(data.size()), certificateValid, retry);
+        if (request.Verdict() == CertificateVerdict::rejected) {
+            break; // receiving would answer the challenges of whoever this is, and could send the body once more
+        }
+        // The answer is remembered: it may be the proxy's challenge, and is read later otherwise.
+        if (result == ERROR_SUCCESS && request.AcceptResponse() != ERROR_WINHTTP_RESEND_REQUEST) {
+            return result;
+        }
+    }
+    if (result != ERROR_SUCCESS) {
+        log.Error("HTTPRequest::Send() failed: " + NamedWinHttpError(result));
+    }
+    return result;
+}
+
+} // namespace vantor

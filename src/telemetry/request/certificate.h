@@ -1,0 +1,37 @@
+// Certificate contexts, the pinned ones among them, and how they are logged.
+#pragma once
+
+#include "platform/owner.h"
+#include "run/log/operation_log.h"
+
+#include <windows.h>
+
+#include <wincrypt.h>
+
+#include <span>
+#include <string_view>
+#include <vector>
+
+namespace vantor {
+
+struct CertificatePolicy {
+    using Value = PCCERT_CONTEXT;
+    static Value None() noexcept { return nullptr; }
+    static void Release(Value value) noexcept { ::CertFreeCertificateContext(value); }
+};
+
+/// A certificate context, freed with CertFreeCertificateContext.
+using Certificate = Owner<CertificatePolicy>;
+
+/// The certificates of a PEM text, in its order (CryptStringToBinaryA, CertCreateCertificateContext). One that does
+/// not decode is logged and left out.
+std::vector<Certificate> ParseCertificates(std::string_view pem, const OperationLog& log);
+
+/// The first of the issuers whose key verifies the certificate's signature (CryptVerifyCertificateSignature), or null.
+/// Names, dates and chains are not looked at.
+PCCERT_CONTEXT FindIssuer(PCCERT_CONTEXT certificate, std::span<const Certificate> issuers);
+
+/// Logs a certificate's subject, issuer and validity, the times as "YYYY-MM-DD HH:MM:SS" UTC.
+void LogVriInfo(PCCERT_CONTEXT certificate, const OperationLog& log);
+
+} // namespace vantor

@@ -1,0 +1,236 @@
+#include "telemetry/request/http_request.h"
+
+#include "platform/last_error.h"
+#include "platform/owner.h"
+#include "telemetry/winhttp/code_names.h"
+
+#include <utility>
+
+namespace vantor {
+namespace {
+
+/// The pieces of a send call that WinHTTP takes through non-const pointers but does not write to.
+void* SendableBody(std::string_view body)
+{
+    return body.empty() ? WINHTTP_NO_REQUEST_DATA : const_cast<char*>(body.data());
+}
+
+} // namespace
+
+HttpRequest::HttpRequest(IRequestHost& host, std::shared_ptr<IHTTP> http, std::shared_ptr<ILogger> logger,
+                         const std::wstring& objectName, const std::wstring& verb, DWORD flags)
+    : m_host(host), m_HttpInterface(std::move(http)), m_logger(std::move(logger))
+{
+    const TracedOperation log = Trace("HttpRequest::HttpRequest");
+    const DWORD error = OpenRequestWithRetries(objectName, verb, flags);
+    if (!m_handle) {
+        throw HttpRequestError("Failed to open HTTP request.", error);
+    }
+}
+
+HttpRequest::~HttpRequest()
+{
+    const TracedOperation log = Trace("HttpRequest::~HttpRequest");
+    Close();
+}
+
+bool HttpRequest::Open(const std::wstring& objectName, const std::wstring& verb, DWORD flags)
+{
+    const TracedOperation log = Trace("HttpRequest::Open");
+    m_handle = m_HttpInterface->OpenRequest(m_host.ConnectionHandle(), verb.c_str(), objectName.c_str(), nullptr,
+                                            WINHTTP_NO_REFERER, WINHTTP_DEFAULT_ACCEPT_TYPES, flags);
+    if (m_handle) {
+        DWORD autologon = WINHTTP_AUTOLOGON_SECURITY_LEVEL_HIGH;
+        if (!m_HttpInterface->SetOption(m_handle, WINHTTP_OPTION_AUTOLOGON_POLICY, &autologon, sizeof(autologon))) {
+            const DWORD error = ::GetLastError();
+            log.Error("HttpRequest::Open WinHttpSetOption error " + NamedWinHttpError(error) +
+                      ": the automatic logon stays as it is.");
+        }
+        // The target of a redirect would never be held against the pinned issuers: the report goes nowhere else.
+        DWORD redirects = WINHTTP_OPTION_REDIRECT_POLICY_NEVER;
+        if (!m_HttpInterface->SetOption(m_handle, WINHTTP_OPTION_REDIRECT_POLICY, &redirects, sizeof(redirects))) {
+            const LastErrorKeeper error;
+            log.Error("HttpRequest::Open WinHttpSetOption error " + NamedWinHttpError(error.Error()) +
+                      ": redirects cannot be refused, and nothing is sent without that.");
+            Close();
+        }
+    }
+    return m_handle != nullptr;
+}
+
+/// Returns the last error; the handle tells whether the request is open.
+DWORD HttpRequest::OpenRequestWithRetries(const std::wstring& objectName, const std::wstring& verb, DWORD flags)
+{
+    constexpr int kMostRetries = 20; // never reached: the flag allows one retry after a successful reset
+
+    const OperationLog log = Log("HttpRequest::OpenRequestWithRetries");
+    DWORD error = ERROR_SUCCESS;
+    bool retry = false;
+    int retries = 0;
+    do {
+        if (Open(objectName, verb, flags)) {
+            return ERROR_SUCCESS;
+        }
+        error = LastErrorOr(ERROR_WINHTTP_INTERNAL_ERROR);
+        if (retry) {
+            retry = false;
+        } else if (m_host.Reset() == ERROR_SUCCESS) {
+            retry = true;
+            ++retries;
+        }
+        log.Error("HttpConnection::CreateRequest WinHttpOpenRequest error " + NamedWinHttpError(error) + ", retry " +
+                  (retry ? "1" : "0"));
+    } while (retry && retries < kMostRetries);
+    return error;
+}
+
+DWORD HttpRequest::AddHeaders(const HttpHeaders& headers)
+{
+    const TracedOperation log = Trace("HttpRequest::AddHeaders");
+    for (const auto& [name, line] : headers) {
+        if (!m_HttpInterface->AddRequestHeaders(m_handle, line.c_str(), static_cast<DWORD>(-1),
+                                                WINHTTP_ADDREQ_FLAG_ADD)) {
+            const DWORD error = LastErrorOr(ERROR_WINHTTP_INTERNAL_ERROR);
+            log.Error("HttpRequest::AddHeaders WinHttpAddRequestHeaders error " + NamedWinHttpError(error));
+            return error;
+        }
+    }
+    return ERROR_SUCCESS;
+}
+
+DWORD HttpRequest::Send(std::wstring_view headers, std::string_view body, DWORD totalLength, bool& certificateValid,
+                        bool& retry)
+{
+    const TracedOperation log = Trace("HttpRequest::Send");
+    retry = false;
+    m_received.reset(); // a new send has an answer of its own
+    m_sent = SendWithResend(headers, body, totalLength, log);
+    JudgeCertificate(log);
+    certificateValid = m_verdict == CertificateVerdict::accepted;
+    return m_sent;
+}
+
+DWORD HttpRequest::SendOnce(std::wstring_view headers, std::string_view body, DWORD totalLength)
+{
+    const wchar_t* const headerText = headers.empty() ? WINHTTP_NO_ADDITIONAL_HEADERS : headers.data();
+    if (m_HttpInterface->SendRequest(m_handle, headerText, static_cast<DWORD>(headers.size()), SendableBody(body),
+                                     static_cast<DWORD>(body.size()), totalLength, 0)) {
+        return ERROR_SUCCESS;
+    }
+    return LastErrorOr(ERROR_WINHTTP_INTERNAL_ERROR);
+}
+
+DWORD HttpRequest::SendWithResend(std::wstring_view headers, std::string_view body, DWORD totalLength,
+                                  const OperationLog& log)
+{
+    const DWORD first = SendOnce(headers, body, totalLength);
+    if (first == ERROR_SUCCESS) {
+        return ERROR_SUCCESS;
+    }
+    log.Error("HttpRequest::Send WinHttpSendRequest result " + NamedWinHttpError(first));
+    if (first == ERROR_WINHTTP_RESEND_REQUEST) {
+        log.Trace("ERROR_WINHTTP_RESEND_REQUEST, retry");
+    } else if (first == ERROR_WINHTTP_SECURE_FAILURE) {
+        DWORD flags = 0;
+        DWORD size = sizeof(flags);
+        if (!m_HttpInterface->QueryOption(m_handle, WINHTTP_OPTION_SECURITY_FLAGS, &flags, &size)) {
+            return first;
+        }
+    } else {
+        log.Trace("error " + NamedWinHttpError(first) + " retry flag not set.");
+        return first;
+    }
+
+    const DWORD second = SendOnce(headers, body, totalLength);
+    if (second == ERROR_SUCCESS) {
+        log.Trace("retry successful.");
+    } else {
+        log.Warning("error " + NamedWinHttpError(second) + ", retry failed.");
+    }
+    return second;
+}
+
+void HttpRequest::JudgeCertificate(const OperationLog& log)
+{
+    try {
+        m_verdict = ValidateServerCert(*m_HttpInterface, m_handle) ? CertificateVerdict::accepted
+                                                                   : CertificateVerdict::rejected;
+    } catch (const std::exception& error) {
+        // A connection that was refused or never built has no certificate; the send's own result says why.
+        m_verdict = CertificateVerdict::unknown;
+        log.Warning(error.what());
+    }
+}
+
+bool HttpRequest::ValidateServerCert(IHTTP& http, HINTERNET request)
+{
+    const TracedOperation log = Trace("HttpRequest::ValidateServerCert");
+    if (!http.IsReady() || !m_host.IsPinningCertificates()) {
+        return true;
+    }
+    Certificate server;
+    DWORD size = sizeof(PCCERT_CONTEXT);
+    if (!http.QueryOption(request, WINHTTP_OPTION_SERVER_CERT_CONTEXT, server.Receive(), &size) || !server) {
+        const DWORD error = ::GetLastError();
+        throw std::runtime_error("Unable to parse certificate data from connection: " + WinHttpErrorName(error));
+    }
+
+    const auto pinned = m_host.PinnedCertificates();
+    log.Trace("Available pinning certificates:");
+    for (const Certificate& certificate : pinned) {
+        LogVriInfo(certificate.Get(), log);
+    }
+    log.Trace("Server certificate info:");
+    LogVriInfo(server.Get(), log);
+
+    const PCCERT_CONTEXT issuer = FindIssuer(server.Get(), pinned);
+    if (issuer) {
+        log.Trace("Matching pinning certificate info:");
+        LogVriInfo(issuer, log);
+    } else {
+        log.Error("Certificate in request not as expected.");
+    }
+    log.Trace(std::string("Verified: ") + (issuer ? "1" : "0"));
+    return issuer != nullptr;
+}
+
+DWORD HttpRequest::QueryStatusCode(DWORD& status)
+{
+    DWORD size = sizeof(status);
+    const DWORD level = WINHTTP_QUERY_STATUS_CODE | WINHTTP_QUERY_FLAG_NUMBER;
+    if (m_HttpInterface->QueryHeaders(m_handle, level, WINHTTP_HEADER_NAME_BY_INDEX, &status, &size,
+                                      WINHTTP_NO_HEADER_INDEX)) {
+        return ERROR_SUCCESS;
+    }
+    const DWORD error = LastErrorOr(ERROR_WINHTTP_INTERNAL_ERROR);
+    if (m_sent == ERROR_WINHTTP_LOGIN_FAILURE) {
+        status = HTTP_STATUS_PROXY_AUTH_REQ;
+        return ERROR_SUCCESS;
+    }
+    return error;
+}
+
+BOOL HttpRequest::QueryAuthSchemes(DWORD& supportedSchemes, DWORD& firstScheme, DWORD& authTarget)
+{
+    return m_HttpInterface->QueryAuthSchemes(m_handle, &supportedSchemes, &firstScheme, &authTarget);
+}
+
+BOOL HttpRequest::SetCredentials(DWORD authTarget, DWORD authScheme, const wchar_t* userName, const wchar_t* password)
+{
+    return m_HttpInterface->SetCredentials(m_handle, authTarget, authScheme, userName, password, nullptr);
+}
+
+BOOL HttpRequest::SetOption(DWORD option, void* buffer, DWORD length)
+{
+    return m_HttpInterface->SetOption(m_handle, option, buffer, length);
+}
+
+void HttpRequest::Close()
+{
+    const TracedOperation log = Trace("HttpRequest::Close");
+    if (m_handle && !m_HttpInterface->CloseHandle(std::exchange(m_handle, nullptr))) {
+        log.Error("m_HttpInterface->CloseHandle failed");
+    }
+}
+
+} // namespace vantor

@@ -1,0 +1,82 @@
+#include "health/record/report.h"
+#include "health/record/content_version.h"
+#include "health/record/dotted_version.h"
+
+#include <gmock/gmock.h>
+
+namespace vantor {
+namespace {
+
+TEST(Report, CarriesTheItemsBehindTheirLength)
+{
+    const std::vector<std::string> items = {"ab", "", "c"};
+    const ReportBytes bytes = EncodeReport({.mode = 1}, BuildTextBlock(items));
+    const ReportBytes tail(bytes.begin() + 46, bytes.end());
+    EXPECT_EQ(tail, (ReportBytes{6, 0, 'a', 'b', 0, 0, 'c', 0}));
+    EXPECT_EQ(DecodeReport(bytes).textItems, items);
+    EXPECT_EQ(EncodeReport({.mode = 1}, BuildTextBlock({})).size(), 48u);
+}
+
+TEST(Report, LeavesOutWhatWouldNotFitAndEndsItemsAtTheirFirstNul)
+{
+    const std::string filling(kReportLimitBytes - 46 - 2 - 1 - 2, 'x');
+    const std::vector<std::string> items = {filling, "too long", std::string("a\0b", 3)};
+    const TextBlock block = BuildTextBlock(items);
+    EXPECT_EQ(block.leftOut, std::vector<std::string>{"too long"});
+    const ReportBytes bytes = EncodeReport({.mode = 1}, block);
+    EXPECT_EQ(bytes.size(), kReportLimitBytes);
+    EXPECT_EQ(DecodeReport(bytes).textItems, (std::vector<std::string>{filling, "a"}));
+}
+
+TEST(Report, DecodingSaysWhatIsWrong)
+{
+    const ReportBytes plain = EncodeReport(HealthRecord());
+    const ReportBytes block = EncodeReport({.mode = 1}, BuildTextBlock(std::vector<std::string>{"item"}));
+    const struct {
+        ReportBytes bytes;
+        std::size_t size;
+        std::size_t place; ///< of a byte that is changed, and to what
+        std::uint8_t value;
+        const char* failure;
+    } kCases[] = {
+        {plain, 45, 0, 14, "the record has 45 of 46 bytes"},
+        {plain, 46, 0, 13, "layout version 13 instead of 14"},
+        {plain, 47, 46, 0, "1 bytes follow a record that has no text block"},
+        {block, 47, 0, 14, "the text block of a pre-update record is missing"},
+        {block, 52, 0, 14, "the text block has 4 bytes, its length says 5"},
+        {block, 53, 52, 'x', "the last text item has no end"},
+        {block, kReportLimitBytes + 1, 0, 14, "the report has 14337 bytes, at most 14336 are allowed"},
+    };
+    for (const auto& row : kCases) {
+        ReportBytes bytes = row.bytes;
+        bytes.resize(row.size);
+        bytes[row.place] = row.value;
+        EXPECT_THAT([&] { DecodeReport(bytes); }, testing::ThrowsMessage<ReportError>(row.failure));
+    }
+}
+
+TEST(DottedVersion, DigitsAndSingleDotsOnly)
+{
+    using Parts = std::vector<std::uint16_t>;
+    EXPECT_EQ(ParseDottedVersion("20.5"), (Parts{20, 5}));
+    EXPECT_EQ(ParseDottedVersion("7"), Parts{7});
+    EXPECT_EQ(ParseDottedVersion("65535.65536.65537"), (Parts{65535, 0, 1}));
+    EXPECT_EQ(ParseDottedVersion("10000000000000000000000000000000000001"), Parts{1});
+    for (const char* const text : {"", ".", ".5", "5.", "1..2", "1.2 ", "-1.2", "1.2a", "1,2"}) {
+        EXPECT_EQ(ParseDottedVersion(text), std::nullopt) << text;
+    }
+}
+
+TEST(ContentVersion, TwoPartsInThreeToFifteenCharacters)
+{
+    const auto version = ParseContentVersion("1234.5");
+    EXPECT_TRUE(version && version->major == 1234 && version->minor == 5);
+    EXPECT_TRUE(ParseContentVersion("1.2"));
+    EXPECT_TRUE(ParseContentVersion("0000000001.0001"));
+    for (const char* const text : {"1234", ".5", "5.", "1.2.3", "12a.4", "00000000001.0001", "", "1..2"}) {
+        EXPECT_FALSE(ParseContentVersion(text)) << text;
+    }
+}
+
+} // namespace
+} // namespace vantor

@@ -1,0 +1,161 @@
+#include "health/tracing/updater_tracing.h"
+
+#include "health/tracing/trace_files.h"
+#include "platform/process_list.h"
+#include "support/log_capture.h"
+
+#include <gtest/gtest.h>
+
+#include <objbase.h>
+
+#include <cstring>
+
+namespace vantor {
+namespace {
+
+/// Answers as its members say and records what it is asked.
+class ScriptedTracing : public IEventTracing {
+public:
+    ULONG Start(TRACEHANDLE& session, TraceProperties& given) override
+    {
+        session = 7;
+        trace = given;
+        return startError;
+    }
+    ULONG Query(TraceProperties& given) override
+    {
+        given.properties.Wnode.HistoricalContext = 9;
+        return queryError;
+    }
+    ULONG Stop(TraceProperties& given) override
+    {
+        trace = given;
+        return stopError;
+    }
+    ULONG Enable(TRACEHANDLE session, const GUID& provider, ULONG level) override
+    {
+        enabled.push_back({session, provider.Data1, level});
+        return enableError;
+    }
+    ULONG Enumerate(std::vector<GUID>& providers) override
+    {
+        providers = registered;
+        return enumerateError;
+    }
+    std::optional<std::uint64_t> FreeBytes(const std::wstring&) override { return std::nullopt; }
+
+    ULONG startError = 0, queryError = 0, stopError = 0, enableError = 0, enumerateError = 0;
+    std::vector<GUID> registered;
+    TraceProperties trace{};
+    std::vector<std::tuple<TRACEHANDLE, unsigned long, ULONG>> enabled;
+};
+
+const TraceProviders kProviders = {{4, {1, 0, 0, {}}}, {5, {2, 0, 0, {}}}};
+
+/// A number in the block that Windows is given.
+template <typename Number>
+Number At(const TraceProperties& trace, std::size_t offset)
+{
+    Number number{};
+    std::memcpy(&number, reinterpret_cast<const char*>(&trace) + offset, sizeof(number));
+    return number;
+}
+
+TEST(TraceProperties, AreLaidOutAsWindowsReadsThem)
+{
+    const std::wstring file = L"C:\\x\\scupdateETL_1.log";
+    const struct {
+        std::size_t offset;
+        ULONG current, old; ///< from Windows version 6 on, and before
+    } kFields[] = {
+        // Wnode's sizes and clock, buffers, MaximumFileSize, LogFileMode, offsets of the file's and the session's name
+        {0, 4224, 4224}, {40, 1, 2},      {44, 0x20000, 0x20000}, {48, 1024, 1024}, {52, 256, 256},
+        {56, 276, 276},  {60, 10240, 10}, {64, 0x2001, 1},        {112, 120, 120},  {116, 2168, 2168},
+    };
+    const auto current = MakeTraceProperties(file, true);
+    const auto old = MakeTraceProperties(file, false);
+    ASSERT_TRUE(current && old);
+    for (const auto& field : kFields) {
+        EXPECT_EQ(At<ULONG>(*current, field.offset), field.current) << field.offset;
+        EXPECT_EQ(At<ULONG>(*old, field.offset), field.old) << field.offset;
+    }
+    wchar_t guid[64];
+    ::StringFromGUID2(At<GUID>(*current, 24), guid, 64);
+    EXPECT_STREQ(guid, L"{D67AAF49-A12E-4ACB-A2B0-F92304295DE3}");
+    EXPECT_EQ(reinterpret_cast<const wchar_t*>(&*current) + 120 / 2, file);
+    EXPECT_EQ(reinterpret_cast<const wchar_t*>(&*current) + 2168 / 2, std::wstring(L"scupdateLogger"));
+    EXPECT_TRUE(MakeTraceProperties(std::wstring(1023, L'x'), true));
+    EXPECT_FALSE(MakeTraceProperties(std::wstring(1024, L'x'), true));
+    EXPECT_TRUE(IsWindowsVersion6());
+}
+
+TEST(UpdaterTracing, StartsOrReusesASessionAndEnablesWhatIsNotRegistered)
+{
+    const struct {
+        ULONG start, query, enumerate, enable;
+        DWORD result;
+        decltype(ScriptedTracing::enabled) enabled;
+        std::string line;
+    } kCases[] = {
+        {0, 0, 0, 0, 0, {{7, 2, 5}}, "TRACE: Now Logging."},
+        {183, 0, 0, 0, 0, {{9, 2, 5}}, "TRACE: Logging session already exists. Reusing existing session."},
+        {183, 5, 0, 0, 5, {}, "ERROR: The running session cannot be queried. Error:5"},
+        {5, 0, 0, 0, 5, {}, "ERROR: Failed to start logging. exitCode:5"},
+        {0, 0, 87, 0, 0, {{7, 1, 4}, {7, 2, 5}}, " WARN: The registered trace providers cannot be listed. Error:87"},
+        {0, 0, 0, 8, 0, {{7, 2, 5}}, " WARN: A trace provider cannot be enabled. Error:8"},
+    };
+    for (const auto& row : kCases) {
+        SCOPED_TRACE(row.line);
+        ScriptedTracing tracing;
+        tracing.registered = {{1, 0, 0, {}}};
+        tracing.startError = row.start;
+        tracing.queryError = row.query;
+        tracing.enumerateError = row.enumerate;
+        tracing.enableError = row.enable;
+        LogCapture log;
+        EXPECT_EQ(StartLogging(kProviders, tracing), row.result);
+        EXPECT_EQ(tracing.enabled, row.enabled);
+        EXPECT_TRUE(log.Has(row.line));
+        EXPECT_TRUE(
+            log.Has("TRACE: StartLogging: Failed on initialization scoped access protection exclusion object."));
+        EXPECT_EQ(log.Has("TRACE: Now Logging."), row.result == 0);
+    }
+    ScriptedTracing tracing;
+    EXPECT_EQ(StartLogging({}, tracing), 0xFFFFFFFF);
+    EXPECT_EQ(tracing.trace.properties.Wnode.BufferSize, 0u); // nothing was started
+}
+
+TEST(UpdaterTracing, StoppingSaysHowItWent)
+{
+    const std::pair<ULONG, const char*> kCases[] = {
+        {0, "TRACE: Stopped logging"},
+        {4201, "TRACE: Cannot stop as no running instance exist with logger name:scupdateLogger"},
+        {5, "ERROR: Errors/warnings during stop logging request Error:5"},
+    };
+    for (const auto& [error, line] : kCases) {
+        ScriptedTracing tracing;
+        tracing.stopError = error;
+        LogCapture log;
+        EXPECT_EQ(StopLogging(tracing), error);
+        EXPECT_TRUE(log.Has(line)) << line;
+        EXPECT_EQ(tracing.trace.properties.Wnode.BufferSize, 4224u);
+    }
+}
+
+TEST(UpdaterTracing, KnowsItsParentItsProvidersItsFilesAndTheRoomTheyNeed)
+{
+    const std::vector<ProcessEntry> processes = {{1, 0, "first"}, {2, 1, "second"}, {3, 99, "orphan"}};
+    EXPECT_EQ(ParentName(processes, 2), "first");
+    EXPECT_EQ(ParentName(processes, 3), std::nullopt);
+    TraceProviders providers;
+    EXPECT_EQ(populateGUID(providers), 0u);
+    EXPECT_TRUE(providers.size() == 1 && providers[0].level == 4 && providers[0].id.Data1 == 0x3E8C7A52);
+    const SYSTEMTIME time{2026, 2, 0, 3, 4, 5, 6, 0};
+    EXPECT_EQ(TraceFileName(time), L"scupdateETL_20260203.040506.log");
+    EXPECT_FALSE(TrimTraceFiles(std::vector<std::wstring>(10, L"no such file"))); // they may not go
+    EXPECT_FALSE(HasRoomForTrace(151 * 1048576ULL - 1));
+    EXPECT_TRUE(HasRoomForTrace(151 * 1048576ULL));
+}
+
+} // namespace
+} // namespace vantor

@@ -1,0 +1,45 @@
+#include "run/log/log_line.h"
+#include "run/post_update_delay.h"
+#include "support/recording_logger.h"
+
+#include <gtest/gtest.h>
+
+namespace vantor {
+namespace {
+
+using namespace std::chrono_literals;
+
+TEST(LogLine, TimeLevelAndMessage)
+{
+    const std::chrono::sys_seconds time = std::chrono::sys_days(std::chrono::year(2005) / 2 / 28) + 23h + 4min + 9s;
+    EXPECT_EQ(FormatLogLine(time, LogLevel::trace, "a"), "05/02/28 23:04:09: TRACE: a\r\n");
+    EXPECT_EQ(FormatLogLine(time + 1h, LogLevel::warning, "b"), "05/03/01 00:04:09:  WARN: b\r\n");
+    EXPECT_EQ(FormatLogLine(time, LogLevel::error, ""), "05/02/28 23:04:09: ERROR: \r\n");
+    EXPECT_EQ(LevelPrefix(static_cast<LogLevel>(0)), "ERROR: ");
+}
+
+TEST(PostUpdateDelay, WaitsOnceForOneToTenMinutes)
+{
+    const struct {
+        std::uint16_t minutes;
+        std::vector<std::chrono::milliseconds> waits;
+        std::vector<std::string> lines;
+    } kCases[] = {
+        {0, {}, {}},
+        {1, {60000ms}, {"T /delaypostdat waiting for 1 minutes."}},
+        {10, {600000ms}, {"T /delaypostdat waiting for 10 minutes."}},
+        {11, {}, {"W /delaypostdat out of range: 11"}},
+        {65535, {}, {"W /delaypostdat out of range: 65535"}},
+    };
+    for (const auto& [minutes, expectedWaits, expectedLines] : kCases) {
+        SCOPED_TRACE(minutes);
+        std::vector<std::chrono::milliseconds> waits;
+        RecordingLogger log;
+        DelayAfterUpdate({.delayPostDat = minutes}, log, [&](auto duration) { waits.push_back(duration); });
+        EXPECT_EQ(waits, expectedWaits);
+        EXPECT_EQ(log.lines, expectedLines);
+    }
+}
+
+} // namespace
+} // namespace vantor

@@ -1,0 +1,90 @@
+#include "run/task/task_schedule.h"
+#include "run/options/option_error.h"
+#include "run/task/task_description.h"
+
+#include <gtest/gtest.h>
+
+#include <ctime>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <regex>
+
+namespace vantor {
+namespace {
+
+using namespace std::chrono_literals;
+
+/// What a run with these options registers: the next run's delay and count, a "-" for none; "!" where it throws.
+std::string Next(const RunConfig& config)
+{
+    try {
+        if (!RegistersNextRun(config)) {
+            return "nothing";
+        }
+    } catch (const OptionError&) {
+        return "!";
+    }
+    const NextRun next = NextRunAfter(config);
+    return std::to_string(next.delay.count()) + (next.count ? " " + std::to_string(*next.count) + ", " : " -, ");
+}
+
+TEST(TaskSchedule, EachCountOfASeriesHasItsDelayAndEachOtherIsRefused)
+{
+    const std::pair<std::string, unsigned> kSeries[] = {
+        {"600 1, 1800 2, 3600 3, 7200 4, 14400 5, 28800 6, 57600 7, 115200 -, ", 8}, {"20 1, 30 2, 40 -, ", 3}};
+    for (const auto& [series, length] : kSeries) {
+        const bool test = length == 3;
+        std::string all;
+        for (unsigned count = 0; count < 256; ++count) {
+            all += Next({.periodicRunCount = static_cast<std::uint8_t>(count), .test = test});
+        }
+        EXPECT_EQ(all, series + std::string(255 - length, '!') + "nothing");
+        EXPECT_EQ(Next({.continueRun = true, .test = test}), "86400 -, ");
+        EXPECT_EQ(Next({.periodicRunCount = 1, .continueRun = true, .test = test}), "86400 -, ");
+    }
+}
+
+TEST(TaskSchedule, TheNextRunGetsWhatItNeeds)
+{
+    RunConfig config{.hcmode = "predatupdate", .datver = "1", .server = "s", .username = "u", .domain = "d"};
+    EXPECT_EQ(TaskArguments(config, 7), " /hcmode=periodic /periodicruncount=7");
+    EXPECT_EQ(TaskArguments(config, {}), " /hcmode=periodic /continue");
+    config.port = 8080;
+    config.test = config.restTest = true;
+    config.logFile = "C:\\A b";
+    const std::string before = " /hcmode=periodic /logfile=\"C:\\A b\" /resttest";
+    const std::string behind = " /server=s /port=8080 /username=u /password=";
+    EXPECT_EQ(TaskArguments(config, 2), before + " /periodicruncount=2 /test" + behind);
+    EXPECT_EQ(TaskArguments(config, {}), before + " /continue" + behind);
+}
+
+TEST(TaskSchedule, TheWindowLastsThreeDaysWhateverTheClockDoes)
+{
+    const auto easternTime = [](std::chrono::sys_seconds time) {
+        constexpr std::chrono::sys_seconds kSpring = std::chrono::sys_days(std::chrono::year(2026) / 3 / 8) + 7h;
+        const std::time_t value = std::chrono::system_clock::to_time_t(time - (time < kSpring ? 5h : 4h));
+        return *std::gmtime(&value);
+    };
+    const std::chrono::sys_seconds eveBeforeSpring = std::chrono::sys_days(std::chrono::year(2026) / 3 / 7) + 4h;
+    const TaskWindow window = WindowAfter(eveBeforeSpring, 86400s, easternTime);
+    EXPECT_EQ(window.start, "2026-03-07T23:00:00");
+    EXPECT_EQ(window.end, "2026-03-11T00:00:00");
+}
+
+TEST(TaskDescription, EachLanguageHasItsTextAndAnyOtherTheEnglishOne)
+{
+    std::map<unsigned long, std::string> texts;
+    std::ifstream file(VANTOR_SOURCE_DIRECTORY "/tests/run/task/task_descriptions.tsv", std::ios::binary);
+    for (std::string id, text; std::getline(file, id, '\t') && std::getline(file, text);) {
+        texts[std::stoul(id, nullptr, 16)] = std::regex_replace(text, std::regex(R"(\\u00A0)"), "\xC2\xA0");
+    }
+    ASSERT_EQ(texts.size(), 31u);
+    for (unsigned language = 0; language <= 0xFFFF; ++language) {
+        const auto text = std::filesystem::path(TaskDescription(static_cast<std::uint16_t>(language))).u8string();
+        ASSERT_EQ(std::string(text.begin(), text.end()), texts[texts.contains(language) ? language : 0x0409]);
+    }
+}
+
+} // namespace
+} // namespace vantor
