@@ -4,6 +4,7 @@ cmake_minimum_required(VERSION 3.25)
 
 set(floors
     platform
+    platform/modules
     run/config
     run/log
     run/options

@@ -1,6 +1,7 @@
 #include "telemetry/rest_telemetry.h"
 
-#include "delay_import_tables.h"
+#include "platform/modules/crypt32.h"
+#include "platform/modules/winhttp.h"
 #include "platform/registry.h"
 #include "platform/text.h"
 #include "proxy/config/proxy_settings.h"
@@ -203,8 +204,8 @@ void RESTTelemetry::Send(const std::uint8_t* data, std::size_t size)
 /// True when every function that a send calls in delay-loaded modules is there; says what is missing otherwise.
 bool HasTransport()
 {
-    for (const DelayImport& import : {delay_imports::winhttp, delay_imports::crypt32}) {
-        if (const std::string missing = FindMissing(import); !missing.empty()) {
+    for (SystemModule* const module : {&winhttp::module, &crypt32::module}) {
+        if (const std::string missing = module->FindMissing(); !missing.empty()) {
             LogError("Send telemetry failed: this Windows lacks " + missing);
             return false;
         }

@@ -1,5 +1,6 @@
 #include "telemetry/vri_rest.h"
 
+#include "platform/modules/crypt32.h"
 #include "platform/owner.h"
 #include "platform/registry.h"
 #include "platform/text.h"
@@ -51,11 +52,13 @@ std::string ToBase64(std::span<const std::uint8_t> bytes)
 {
     const auto size = static_cast<DWORD>(bytes.size());
     DWORD length = 0;
-    if (!::CryptBinaryToStringA(bytes.data(), size, CRYPT_STRING_BASE64 | CRYPT_STRING_NOCRLF, nullptr, &length)) {
+    if (!crypt32::CryptBinaryToStringA(bytes.data(), size, CRYPT_STRING_BASE64 | CRYPT_STRING_NOCRLF, nullptr,
+                                       &length)) {
         return {};
     }
     std::string text(length, '\0');
-    if (!::CryptBinaryToStringA(bytes.data(), size, CRYPT_STRING_BASE64 | CRYPT_STRING_NOCRLF, text.data(), &length)) {
+    if (!crypt32::CryptBinaryToStringA(bytes.data(), size, CRYPT_STRING_BASE64 | CRYPT_STRING_NOCRLF, text.data(),
+                                       &length)) {
         return {};
     }
     text.resize(length); // the second call does not count the final NUL

@@ -1,4 +1,4 @@
-#include "platform/delay_import.h"
+#include "platform/modules/module.h"
 #include "platform/registry.h"
 #include "support/scratch_registry.h"
 
@@ -49,12 +49,18 @@ TEST(RegistryKey, ReadsEveryStateOfAValueAlike)
     EXPECT_EQ(key->SetDword(L"value", 1) + key->DeleteValue(L"value"), 2 * ERROR_ACCESS_DENIED);
 }
 
-TEST(DelayImport, NamesTheFirstThingThatIsMissing)
+TEST(Module, NamesTheFirstThingThatIsMissing)
 {
-    static const char* const kFunctions[] = {"GetTickCount64", "NoSuchFunction"};
-    EXPECT_EQ(FindMissing({L"kernel32.dll", std::span(kFunctions, 1)}), "");
-    EXPECT_EQ(FindMissing({L"kernel32.dll", kFunctions}), "kernel32.dll, function NoSuchFunction: error 127");
-    EXPECT_EQ(FindMissing({L"no_such.dll", {}}), "no_such.dll: error 126");
+    SystemModule kernel(L"kernel32.dll");
+    const ModuleFunction<decltype(::GetTickCount64)> tickCount(kernel, "GetTickCount64");
+    EXPECT_EQ(kernel.FindMissing(), "");
+    EXPECT_LE(tickCount(), ::GetTickCount64());
+
+    SystemModule older(L"kernel32.dll");
+    const ModuleFunction<decltype(::GetTickCount64)> known(older, "GetTickCount64");
+    const ModuleFunction<decltype(::GetTickCount64)> unknown(older, "NoSuchFunction");
+    EXPECT_EQ(older.FindMissing(), "kernel32.dll, function NoSuchFunction: error 127");
+    EXPECT_EQ(SystemModule(L"no_such.dll").FindMissing(), "no_such.dll: error 126");
 }
 
 } // namespace

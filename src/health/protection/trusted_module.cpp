@@ -1,8 +1,8 @@
 #include "health/protection/trusted_module.h"
 
-#include "delay_import_tables.h"
 #include "health/protection/aac_control.h"
 #include "platform/dynamic_function.h"
+#include "platform/modules/wintrust.h"
 #include "platform/program.h"
 #include "platform/registry.h"
 #include "run/log/logging.h"
@@ -76,9 +76,9 @@ LONG VerifySignature(const std::wstring& path, HANDLE file)
 
     GUID action = WINTRUST_ACTION_GENERIC_VERIFY_V2;
     const auto noWindow = static_cast<HWND>(INVALID_HANDLE_VALUE);
-    const LONG result = ::WinVerifyTrust(noWindow, &action, &data);
+    const LONG result = wintrust::WinVerifyTrust(noWindow, &action, &data);
     data.dwStateAction = WTD_STATEACTION_CLOSE;
-    ::WinVerifyTrust(noWindow, &action, &data);
+    wintrust::WinVerifyTrust(noWindow, &action, &data);
     return result;
 }
 
@@ -136,7 +136,7 @@ DWORD AskModule(const std::wstring& fileName, const wchar_t* interfaceName, void
 Module NCPrivateLoadAndValidateVPTDll(const std::wstring& fileName, DWORD& error)
 {
     error = ERROR_SUCCESS;
-    if (const std::string missing = FindMissing(delay_imports::wintrust); !missing.empty()) {
+    if (const std::string missing = wintrust::module.FindMissing(); !missing.empty()) {
         LogWarning("No module of the product can be checked: this Windows lacks " + missing);
         error = ERROR_MOD_NOT_FOUND;
         return {};

@@ -1,6 +1,6 @@
 #include "health/tracing/trace_files.h"
 
-#include "delay_import_tables.h"
+#include "platform/modules/shell32.h"
 #include "platform/owner.h"
 #include "run/log/logging.h"
 
@@ -32,12 +32,12 @@ struct TraceFile {
 std::optional<std::wstring> TraceFolder()
 {
     // On demand, although Windows maps it from its own list: a run without a trace does not pay for it.
-    if (const std::string missing = FindMissing(delay_imports::shell32); !missing.empty()) {
+    if (const std::string missing = shell32::module.FindMissing(); !missing.empty()) {
         LogWarning("The folder of the traces is unknown: this Windows lacks " + missing);
         return std::nullopt;
     }
     wchar_t data[MAX_PATH];
-    if (FAILED(::SHGetFolderPathW(nullptr, CSIDL_COMMON_APPDATA, nullptr, SHGFP_TYPE_CURRENT, data))) {
+    if (FAILED(shell32::SHGetFolderPathW(nullptr, CSIDL_COMMON_APPDATA, nullptr, SHGFP_TYPE_CURRENT, data))) {
         return std::nullopt;
     }
     return std::wstring(data) + L"\\Vexora\\Agent\\Logs\\";

@@ -2,7 +2,8 @@
 
 #include "proxy/session/name_resolver.h"
 
-#include "delay_import_tables.h"
+#include "platform/modules/dnsapi.h"
+#include "platform/modules/ws2_32.h"
 
 #include <ws2tcpip.h>
 
@@ -12,8 +13,8 @@ namespace vantor {
 
 std::string WindowsNameResolver::Missing()
 {
-    for (const DelayImport& import : {delay_imports::dnsapi, delay_imports::ws2_32}) {
-        if (std::string missing = FindMissing(import); !missing.empty()) {
+    for (SystemModule* const module : {&dnsapi::module, &ws2_32::module}) {
+        if (std::string missing = module->FindMissing(); !missing.empty()) {
             return missing;
         }
     }
@@ -35,11 +36,11 @@ NameAnswer WindowsNameResolver::QueryAddress(const std::wstring& name, std::opti
     IP4_ARRAY servers{1, {server.value_or(0)}};
     PDNS_RECORD records = nullptr;
     NameAnswer answer;
-    answer.status = static_cast<std::uint32_t>(
-        ::DnsQuery_W(name.c_str(), DNS_TYPE_A, DNS_QUERY_BYPASS_CACHE, server ? &servers : nullptr, &records, nullptr));
+    answer.status = static_cast<std::uint32_t>(dnsapi::DnsQuery_W(name.c_str(), DNS_TYPE_A, DNS_QUERY_BYPASS_CACHE,
+                                                                  server ? &servers : nullptr, &records, nullptr));
     if (answer.status == ERROR_SUCCESS) {
         answer.address = FirstAddress(records);
-        ::DnsFree(records, DnsFreeRecordList);
+        dnsapi::DnsFree(records, DnsFreeRecordList);
     }
     return answer;
 }
@@ -47,7 +48,7 @@ NameAnswer WindowsNameResolver::QueryAddress(const std::wstring& name, std::opti
 std::optional<std::wstring> WindowsNameResolver::ToText(std::uint32_t address)
 {
     wchar_t text[16]; // "255.255.255.255"
-    if (!::InetNtopW(AF_INET, &address, text, std::size(text))) {
+    if (!ws2_32::InetNtopW(AF_INET, &address, text, std::size(text))) {
         return std::nullopt;
     }
     return text;

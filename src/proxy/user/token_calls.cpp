@@ -1,6 +1,6 @@
 #include "proxy/user/token_calls.h"
 
-#include "platform/delay_import.h"
+#include "platform/modules/module.h"
 
 namespace vantor {
 namespace {
@@ -24,7 +24,7 @@ void WindowsTokenCalls::LoadModules()
                                         L"schannel.dll",   L"bcrypt.dll",   L"ncrypt.dll",
                                         L"ncryptsslp.dll", L"crypt32.dll",  L"cryptnet.dll",
                                         L"rsaenh.dll"}) {
-        FindMissing({module, {}});
+        LoadSystemModule(module);
     }
 }
 

@@ -1,7 +1,7 @@
 #include "run/product/file_version_info.h"
 
-#include "delay_import_tables.h"
 #include "platform/last_error.h"
+#include "platform/modules/version.h"
 #include "run/log/logging.h"
 
 #include <algorithm>
@@ -73,12 +73,12 @@ private:
 
 DWORD FileVersionInfoImpl::Read(const wchar_t* path)
 {
-    if (const std::string missing = FindMissing(delay_imports::version); !missing.empty()) {
+    if (const std::string missing = version::module.FindMissing(); !missing.empty()) {
         LogWarning("No file versions can be read: this Windows lacks " + missing);
         return ERROR_MOD_NOT_FOUND;
     }
     DWORD unused = 0;
-    m_size = ::GetFileVersionInfoSizeW(path, &unused);
+    m_size = version::GetFileVersionInfoSizeW(path, &unused);
     if (m_size == 0) {
         return LastErrorOr(ERROR_INVALID_DATA);
     }
@@ -87,12 +87,12 @@ DWORD FileVersionInfoImpl::Read(const wchar_t* path)
     } catch (const std::bad_alloc&) {
         return ERROR_NOT_ENOUGH_MEMORY;
     }
-    if (!::GetFileVersionInfoW(path, 0, m_size, m_block.data())) {
+    if (!version::GetFileVersionInfoW(path, 0, m_size, m_block.data())) {
         return LastErrorOr(ERROR_INVALID_DATA);
     }
     void* place = nullptr;
     UINT length = 0;
-    if (!::VerQueryValueA(m_block.data(), "\\VarFileInfo\\Translation", &place, &length) ||
+    if (!version::VerQueryValueA(m_block.data(), "\\VarFileInfo\\Translation", &place, &length) ||
         length % sizeof(Translation) != 0) {
         return ERROR_INVALID_DATA;
     }
@@ -114,7 +114,7 @@ bool FileVersionInfoImpl::QueryValue(const wchar_t* name, std::wstring& value)
                                       m_translation->language, m_translation->codePage, name);
     void* place = nullptr;
     UINT length = 0;
-    if (written < 0 || !::VerQueryValueW(m_block.data(), path, &place, &length)) {
+    if (written < 0 || !version::VerQueryValueW(m_block.data(), path, &place, &length)) {
         return false;
     }
     const auto text = Within<wchar_t>(place, length);
@@ -148,7 +148,7 @@ std::optional<FileVersion> ReadFileVersion(const std::wstring& path)
     }
     void* place = nullptr;
     UINT length = 0;
-    if (!::VerQueryValueA(info.VersionBlock(), "\\", &place, &length)) {
+    if (!version::VerQueryValueA(info.VersionBlock(), "\\", &place, &length)) {
         throw std::runtime_error("Failed to query raw version data");
     }
     if (info.Within<BYTE>(place, length).size() != sizeof(VS_FIXEDFILEINFO)) {

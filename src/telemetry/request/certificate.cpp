@@ -1,5 +1,6 @@
 #include "telemetry/request/certificate.h"
 
+#include "platform/modules/crypt32.h"
 #include "platform/text.h"
 #include "telemetry/request/pem.h"
 
@@ -14,23 +15,25 @@ Certificate DecodeCertificate(std::string_view base64)
 {
     const auto length = static_cast<DWORD>(base64.size());
     DWORD size = 0;
-    if (!::CryptStringToBinaryA(base64.data(), length, CRYPT_STRING_BASE64, nullptr, &size, nullptr, nullptr)) {
+    if (!crypt32::CryptStringToBinaryA(base64.data(), length, CRYPT_STRING_BASE64, nullptr, &size, nullptr, nullptr)) {
         return {};
     }
     std::vector<BYTE> der(size);
-    if (!::CryptStringToBinaryA(base64.data(), length, CRYPT_STRING_BASE64, der.data(), &size, nullptr, nullptr)) {
+    if (!crypt32::CryptStringToBinaryA(base64.data(), length, CRYPT_STRING_BASE64, der.data(), &size, nullptr,
+                                       nullptr)) {
         return {};
     }
-    return Certificate(::CertCreateCertificateContext(X509_ASN_ENCODING, der.data(), size));
+    return Certificate(crypt32::CertCreateCertificateContext(X509_ASN_ENCODING, der.data(), size));
 }
 
 /// The certificate's subject or, with CERT_NAME_ISSUER_FLAG, its issuer; empty when there is none to read.
 std::string Name(PCCERT_CONTEXT certificate, DWORD flags)
 {
-    const DWORD size = ::CertGetNameStringW(certificate, CERT_NAME_SIMPLE_DISPLAY_TYPE, flags, nullptr, nullptr, 0);
+    const DWORD size =
+        crypt32::CertGetNameStringW(certificate, CERT_NAME_SIMPLE_DISPLAY_TYPE, flags, nullptr, nullptr, 0);
     std::wstring name(size, L'\0');
     const DWORD length =
-        ::CertGetNameStringW(certificate, CERT_NAME_SIMPLE_DISPLAY_TYPE, flags, nullptr, name.data(), size);
+        crypt32::CertGetNameStringW(certificate, CERT_NAME_SIMPLE_DISPLAY_TYPE, flags, nullptr, name.data(), size);
     name.resize(length > 0 ? length - 1 : 0); // without the final NUL that both calls count
     return ToNarrow(name);
 }
@@ -74,9 +77,9 @@ std::vector<Certificate> ParseCertificates(std::string_view pem, const Operation
 PCCERT_CONTEXT FindIssuer(PCCERT_CONTEXT certificate, std::span<const Certificate> issuers)
 {
     for (const Certificate& issuer : issuers) {
-        if (::CryptVerifyCertificateSignature(0, X509_ASN_ENCODING, certificate->pbCertEncoded,
-                                              certificate->cbCertEncoded,
-                                              &issuer.Get()->pCertInfo->SubjectPublicKeyInfo)) {
+        if (crypt32::CryptVerifyCertificateSignature(0, X509_ASN_ENCODING, certificate->pbCertEncoded,
+                                                     certificate->cbCertEncoded,
+                                                     &issuer.Get()->pCertInfo->SubjectPublicKeyInfo)) {
             return issuer.Get();
         }
     }

@@ -1,6 +1,7 @@
 // Certificate contexts, the pinned ones among them, and how they are logged.
 #pragma once
 
+#include "platform/modules/crypt32.h"
 #include "platform/owner.h"
 #include "run/log/operation_log.h"
 
@@ -17,7 +18,7 @@ namespace vantor {
 struct CertificatePolicy {
     using Value = PCCERT_CONTEXT;
     static Value None() noexcept { return nullptr; }
-    static void Release(Value value) noexcept { ::CertFreeCertificateContext(value); }
+    static void Release(Value value) noexcept { crypt32::CertFreeCertificateContext(value); }
 };
 
 /// A certificate context, freed with CertFreeCertificateContext.

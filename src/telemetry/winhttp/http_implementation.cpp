@@ -1,5 +1,6 @@
 #include "telemetry/winhttp/http_implementation.h"
 
+#include "platform/modules/winhttp.h"
 #include "platform/text.h"
 
 #include <string>
@@ -60,14 +61,14 @@ bool HttpImplementation::IsReady()
 BOOL HttpImplementation::CloseHandle(HINTERNET handle)
 {
     Trace("CloseHandle", "handle", handle);
-    return ::WinHttpCloseHandle(handle);
+    return winhttp::WinHttpCloseHandle(handle);
 }
 
 BOOL HttpImplementation::QueryOption(HINTERNET internet, DWORD option, void* buffer, DWORD* bufferLength)
 {
     Trace("QueryOption", "hInternet", internet, "dwOption", option, "lpBuffer", buffer, "lpdwBufferLength",
           bufferLength);
-    return ::WinHttpQueryOption(internet, option, buffer, bufferLength);
+    return winhttp::WinHttpQueryOption(internet, option, buffer, bufferLength);
 }
 
 HINTERNET HttpImplementation::Open(const wchar_t* userAgent, DWORD accessType, const wchar_t* proxyName,
@@ -75,14 +76,14 @@ HINTERNET HttpImplementation::Open(const wchar_t* userAgent, DWORD accessType, c
 {
     Trace("Open", "pwszUserAgent", userAgent, "dwAccessType", accessType, "pwszProxyName", proxyName, "pwszProxyBypass",
           proxyBypass, "dwFlags", flags);
-    return ::WinHttpOpen(userAgent, accessType, proxyName, proxyBypass, flags);
+    return winhttp::WinHttpOpen(userAgent, accessType, proxyName, proxyBypass, flags);
 }
 
 BOOL HttpImplementation::SetTimeouts(HINTERNET internet, int resolve, int connect, int send, int receive)
 {
     Trace("SetTimeouts", "hInternet", internet, "dwResolveTimeout", resolve, "dwConnectTimeout", connect,
           "dwSendTimeout", send, "dwReceiveTimeout", receive);
-    return ::WinHttpSetTimeouts(internet, resolve, connect, send, receive);
+    return winhttp::WinHttpSetTimeouts(internet, resolve, connect, send, receive);
 }
 
 HINTERNET HttpImplementation::Connect(HINTERNET session, const wchar_t* serverName, INTERNET_PORT serverPort,
@@ -90,13 +91,13 @@ HINTERNET HttpImplementation::Connect(HINTERNET session, const wchar_t* serverNa
 {
     Trace("Connect", "hSession", session, "pswzServerName", serverName, "nServerPort", serverPort, "dwReserved",
           reserved);
-    return ::WinHttpConnect(session, serverName, serverPort, reserved);
+    return winhttp::WinHttpConnect(session, serverName, serverPort, reserved);
 }
 
 BOOL HttpImplementation::SetOption(HINTERNET internet, DWORD option, void* buffer, DWORD bufferLength)
 {
     Trace("SetOption", "hInternet", internet, "dwOption", option, "lpBuffer", buffer, "dwBufferLength", bufferLength);
-    return ::WinHttpSetOption(internet, option, buffer, bufferLength);
+    return winhttp::WinHttpSetOption(internet, option, buffer, bufferLength);
 }
 
 HINTERNET HttpImplementation::OpenRequest(HINTERNET connect, const wchar_t* verb, const wchar_t* objectName,
@@ -105,7 +106,7 @@ HINTERNET HttpImplementation::OpenRequest(HINTERNET connect, const wchar_t* verb
 {
     Trace("OpenRequest", "hConnect", connect, "pwszVerb", verb, "pwszObjectName", objectName, "pwszVersion", version,
           "pwszReferrer", referrer, "ppwszAcceptTypes", acceptTypes, "dwFlags", flags);
-    return ::WinHttpOpenRequest(connect, verb, objectName, version, referrer, acceptTypes, flags);
+    return winhttp::WinHttpOpenRequest(connect, verb, objectName, version, referrer, acceptTypes, flags);
 }
 
 BOOL HttpImplementation::AddRequestHeaders(HINTERNET request, const wchar_t* headers, DWORD headersLength,
@@ -113,45 +114,45 @@ BOOL HttpImplementation::AddRequestHeaders(HINTERNET request, const wchar_t* hea
 {
     Trace("AddRequestHeaders", "hRequest", request, "pwszHeaders", headers, "dwHeadersLength", headersLength,
           "dwModifiers", modifiers);
-    return ::WinHttpAddRequestHeaders(request, headers, headersLength, modifiers);
+    return winhttp::WinHttpAddRequestHeaders(request, headers, headersLength, modifiers);
 }
 
 BOOL HttpImplementation::SendRequest(HINTERNET request, const wchar_t* headers, DWORD headersLength, void* optional,
                                      DWORD optionalLength, DWORD totalLength, DWORD_PTR context)
 {
-    return ::WinHttpSendRequest(request, headers, headersLength, optional, optionalLength, totalLength, context);
+    return winhttp::WinHttpSendRequest(request, headers, headersLength, optional, optionalLength, totalLength, context);
 }
 
 BOOL HttpImplementation::ReceiveResponse(HINTERNET request, void* reserved)
 {
-    return ::WinHttpReceiveResponse(request, reserved);
+    return winhttp::WinHttpReceiveResponse(request, reserved);
 }
 
 BOOL HttpImplementation::QueryDataAvailable(HINTERNET request, DWORD* available)
 {
-    return ::WinHttpQueryDataAvailable(request, available);
+    return winhttp::WinHttpQueryDataAvailable(request, available);
 }
 
 BOOL HttpImplementation::ReadData(HINTERNET request, void* buffer, DWORD toRead, DWORD* read)
 {
-    return ::WinHttpReadData(request, buffer, toRead, read);
+    return winhttp::WinHttpReadData(request, buffer, toRead, read);
 }
 
 BOOL HttpImplementation::WriteData(HINTERNET request, const void* buffer, DWORD toWrite, DWORD* written)
 {
-    return ::WinHttpWriteData(request, buffer, toWrite, written);
+    return winhttp::WinHttpWriteData(request, buffer, toWrite, written);
 }
 
 WINHTTP_STATUS_CALLBACK HttpImplementation::SetStatusCallback(HINTERNET internet, WINHTTP_STATUS_CALLBACK callback,
                                                               DWORD notificationFlags, DWORD_PTR reserved)
 {
-    return ::WinHttpSetStatusCallback(internet, callback, notificationFlags, reserved);
+    return winhttp::WinHttpSetStatusCallback(internet, callback, notificationFlags, reserved);
 }
 
 BOOL HttpImplementation::QueryAuthSchemes(HINTERNET request, DWORD* supportedSchemes, DWORD* firstScheme,
                                           DWORD* authTarget)
 {
-    return ::WinHttpQueryAuthSchemes(request, supportedSchemes, firstScheme, authTarget);
+    return winhttp::WinHttpQueryAuthSchemes(request, supportedSchemes, firstScheme, authTarget);
 }
 
 BOOL HttpImplementation::SetCredentials(HINTERNET request, DWORD authTargets, DWORD authScheme, const wchar_t* userName,
@@ -159,13 +160,13 @@ BOOL HttpImplementation::SetCredentials(HINTERNET request, DWORD authTargets, DW
 {
     Trace("SetCredentials", "hRequest", request, "AuthTargets", authTargets, "AuthScheme", authScheme, "pwszUserName",
           userName, "pwszPassword", password);
-    return ::WinHttpSetCredentials(request, authTargets, authScheme, userName, password, reserved);
+    return winhttp::WinHttpSetCredentials(request, authTargets, authScheme, userName, password, reserved);
 }
 
 BOOL HttpImplementation::QueryHeaders(HINTERNET request, DWORD infoLevel, const wchar_t* name, void* buffer,
                                       DWORD* bufferLength, DWORD* index)
 {
-    return ::WinHttpQueryHeaders(request, infoLevel, name, buffer, bufferLength, index);
+    return winhttp::WinHttpQueryHeaders(request, infoLevel, name, buffer, bufferLength, index);
 }
 
 } // namespace vantor

@@ -1,0 +1,69 @@
+// DLLs that are loaded when a stage first needs them, rather than by the loader before main can restrict the search path.
+#pragma once
+
+#include <windows.h>
+
+#include <bit>
+#include <string>
+
+namespace vantor {
+
+class ModuleEntry;
+
+/// A DLL of System32 with the functions that the program calls in it. The headers beside this one name them all.
+/// Objects are global, and the program has one thread.
+class SystemModule {
+public:
+    constexpr explicit SystemModule(const wchar_t* name) noexcept : m_name(name) {}
+    SystemModule(const SystemModule&) = delete;
+    SystemModule& operator=(const SystemModule&) = delete;
+
+    /// Loads the DLL from System32 and binds each function (LoadLibraryExW, GetProcAddress), unless that is done. Returns
+    /// what is missing, with Windows' error number, or an empty text. The DLL stays loaded. Ask before a stage makes the
+    /// first call, since calling a function that is missing ends the process.
+    std::string FindMissing();
+
+private:
+    friend class ModuleEntry;
+
+    const wchar_t* m_name;
+    ModuleEntry* m_entries = nullptr;
+    bool m_bound = false;
+};
+
+/// One function of a module by its name.
+class ModuleEntry {
+public:
+    ModuleEntry(const ModuleEntry&) = delete;
+    ModuleEntry& operator=(const ModuleEntry&) = delete;
+
+protected:
+    ModuleEntry(SystemModule& module, const char* name) noexcept;
+    ~ModuleEntry() = default;
+
+    /// Binds the module when that has not been done; null when the function is missing. Keeps the last error.
+    FARPROC Address() const;
+
+private:
+    friend class SystemModule;
+
+    SystemModule& m_module;
+    const char* m_name;
+    ModuleEntry* m_next;
+    FARPROC m_address = nullptr;
+};
+
+/// Is called like the Windows function whose declaration gives its type.
+template <typename Function>
+class ModuleFunction : public ModuleEntry {
+public:
+    ModuleFunction(SystemModule& module, const char* name) noexcept : ModuleEntry(module, name) {}
+
+    operator Function*() const { return std::bit_cast<Function*>(Address()); }
+};
+
+/// Loads a DLL from System32, by its full path, and leaves it loaded (LoadLibraryExW). Null on failure; the last error says
+/// why.
+HMODULE LoadSystemModule(const wchar_t* name);
+
+} // namespace vantor

@@ -1,0 +1,17 @@
+// wintrust.dll: signatures of files.
+#pragma once
+
+#include "platform/modules/module.h"
+
+#include <windows.h>
+
+#include <wincrypt.h>
+#include <wintrust.h>
+
+namespace vantor::wintrust {
+
+inline constinit SystemModule module(L"wintrust.dll");
+
+inline ModuleFunction<decltype(::WinVerifyTrust)> WinVerifyTrust(module, "WinVerifyTrust");
+
+} // namespace vantor::wintrust
