@@ -28,19 +28,25 @@ constexpr std::size_t kMostRequestsPerConnection = 100;
 thread_local bool requestSeen = false;
 
 /// Threads that have every connection served by one function.
-class Workers final : public httplib::ThreadPool {
+class Workers final : public httplib::TaskQueue {
 public:
     using Serve = std::function<void(const std::function<void()>& connection)>;
 
-    explicit Workers(Serve serve) : ThreadPool(Receiver::kMostConnections), m_serve(std::move(serve)) {}
+    explicit Workers(Serve serve) : m_serve(std::move(serve)), m_threads(Receiver::kMostConnections) {}
 
-    void enqueue(std::function<void()> connection) override
+    /// Nothing in older releases of cpp-httplib; in newer ones, whether there was room for the connection.
+    using Enqueued = decltype(std::declval<TaskQueue&>().enqueue({}));
+
+    Enqueued enqueue(std::function<void()> connection) override
     {
-        ThreadPool::enqueue([this, connection = std::move(connection)] { m_serve(connection); });
+        return m_threads.enqueue([this, connection = std::move(connection)] { m_serve(connection); });
     }
+
+    void shutdown() override { m_threads.shutdown(); }
 
 private:
     const Serve m_serve;
+    httplib::ThreadPool m_threads;
 };
 
 bool IsForPulses(const httplib::Request& request)

@@ -7,6 +7,7 @@ build=$project/build
 # shellcheck disable=SC2034 # for the scripts that source this file
 {
     pki=$build/pki
+    ucrt_compiler=x86_64-w64-mingw32ucrt-g++
     receiver_port=8000 # fixed by the program's test hook
 }
 
@@ -48,59 +49,108 @@ explain_failure() { # LOG HINT STATUS
     exit "$3"
 }
 
-# build_preset PRESET [TARGET]: configures the preset's tree and builds TARGET, or all of it.
-build_preset() {
-    local compile=(env --chdir "$project" TMPDIR="$build/tmp") # the cross compiler leaves temporary files behind
-    rm -rf "$build/tmp" && mkdir -p "$build/tmp"
+# configure_preset PRESET: configures the preset's tree, unless that was done with the same presets and settings. What else a
+# tree is configured from, its build knows.
+configure_preset() {
+    local tree=$build/$1 settings stamp
+    settings=(${warnings:+-DVANTOR_WARNINGS_AS_ERRORS=$warnings})
+    stamp="$(sha256sum <"$project/CMakePresets.json") ${settings[*]}"
+    [ "$(cat "$tree/.configured" 2>/dev/null)" != "$stamp" ] || return 0
     step "configure-$1" "Configuring build/$1" "mend what CMake names; if this tree was moved or copied, remove build/" \
-        "${compile[@]}" cmake --preset "$1"
-    step "build-$1" "Building ${2:-everything} in build/$1" "mend the error above and start again" \
-        "${compile[@]}" cmake --build --preset "$1" ${2:+--target "$2"}
+        env --chdir "$project" cmake --preset "$1" "${settings[@]}"
+    echo "$stamp" >"$tree/.configured"
+}
+
+# build_preset PRESET [TARGET...]: configures the preset's tree and builds the targets, or all of it.
+build_preset() {
+    local preset=$1
+    shift
+    configure_preset "$preset"
+    rm -rf "$build/tmp" && mkdir -p "$build/tmp"
+    step "build-$preset" "Building ${*:-everything} in build/$preset" "mend the error above and start again" \
+        env --chdir "$project" TMPDIR="$build/tmp" cmake --build --preset "$preset" ${1:+--target "$@"} # the cross compiler leaves temporary files behind
+}
+
+# make_prefixes NAME[:REGISTRY]...: Wine prefixes, each with a registry file of demo/ imported when one is named.
+make_prefixes() {
+    local prefix registry
+    for prefix in "$@"; do
+        registry=${prefix#"${prefix%%:*}"}
+        prefix=${prefix%%:*}
+        step "wine-$prefix" "Preparing the Wine prefix \"$prefix\"" "remove build/wine and start again" \
+            "$project/tools/wine-prefix" make "$prefix" ${registry:+"$project/demo/${registry#:}.reg"}
+    done
 }
 
 # --- Packages --------------------------------------------------------------------------------------------------------
 
-# What is needed on Debian 12, as "purpose|packages".
+# What is needed on Debian, as "purpose|packages". Where releases name a package differently, its names are parted by slashes: the
+# first one that the machine's package lists know is taken.
 package_sets=(
     "build the local receiver and the native tests|g++ cmake ninja-build libcpp-httplib-dev nlohmann-json3-dev libssl-dev"
     "cross-build the Windows program|g++-mingw-w64-x86-64-posix"
-    "build the tests|googletest"
-    "run the Windows program, TLS included|wine wine64 libgnutls30"
+    "run the Windows program, TLS included|wine wine64 libgnutls30/libgnutls30t64"
     "make the local certificates|openssl"
-    "sign the stand-in module|osslsigncode"
     "give a run a network of its own|iproute2"
     "know the name localhost on a minimal system|netbase"
 )
 # What ./check needs beside that.
 check_package_sets=(
-    "find faults in the sources|clang clang-tidy cppcheck"
-    "fuzz|clang libclang-rt-14-dev"
+    "build the tests|googletest libgtest-dev libgmock-dev"
+    "sign the stand-in module|osslsigncode"
     "try the program behind a proxy and a name server|squid dnsmasq-base"
     "look at the receiver's page in a browser|chromium"
 )
+# What ./check --full needs beside those.
+full_package_sets=(
+    "find faults in the sources|clang clang-tidy clang-format cppcheck shellcheck"
+    "fuzz|clang libclang-rt-dev"
+)
+# What is used where a release has it.
+optional_package_sets=(
+    "cross-build with the newer C runtime|g++-mingw-w64-ucrt64"
+)
 
 # Names what is missing, with its purpose, and installs it. Asks the package manager for nothing when all is there.
-install_packages() { # [check]
+install_packages() { # pulse|check [full]
     if ! command -v apt-get >/dev/null || ! command -v dpkg-query >/dev/null; then
         say "This is no Debian: the needed packages are not installed for you (tools/lib.sh lists them)."
         return
     fi
-    local set package lacking missing=() installed sets=("${package_sets[@]}")
-    [ "${1-}" != check ] || sets+=("${check_package_sets[@]}")
-    # shellcheck disable=SC2048,SC2086 # the second field of a set is a list of words
-    installed=" $(dpkg-query --show --showformat='${db:Status-Status}:${Package} ' ${sets[*]#*|} 2>/dev/null) " || true
+    local set lacking missing=() optional=() installed sets=("${package_sets[@]}")
+    [[ " $* " != *" check "* ]] || sets+=("${check_package_sets[@]}")
+    [[ " $* " != *" full "* ]] || sets+=("${full_package_sets[@]}")
+    installed=" $(dpkg-query --show --showformat='${db:Status-Status}:${Package} ') "
     for set in "${sets[@]}"; do
-        lacking=()
-        for package in ${set#*|}; do
-            [[ $installed == *" installed:$package "* ]] || lacking+=("$package")
-        done
-        [ ${#lacking[@]} -eq 0 ] || say "To ${set%%|*}: ${lacking[*]}"
-        missing+=("${lacking[@]}")
+        lacking=$(lacking_packages "${set#*|}")
+        [ -z "$lacking" ] || say "To ${set%%|*}: $lacking"
+        # shellcheck disable=SC2206 # a list of words
+        missing+=($lacking)
     done
-    [ ${#missing[@]} -eq 0 ] || apt_install "${missing[@]}"
+    for set in "${optional_package_sets[@]}"; do
+        [[ " $* " == *" check "* ]] || break
+        for lacking in $(lacking_packages "${set#*|}"); do
+            if [ ${#missing[@]} -ne 0 ] || apt-cache show --quiet=0 "$lacking" 2>/dev/null | grep -q .; then
+                say "To ${set%%|*}, if this release has it: $lacking"
+                optional+=("?$lacking")
+            fi
+        done
+    done
+    [ $((${#missing[@]} + ${#optional[@]})) -eq 0 ] || apt_install "${missing[@]}" "${optional[@]}"
 }
 
-apt_install() {
+# Those of the words of which no alternative is in $installed.
+lacking_packages() { # "NAME[/NAME...] ..."
+    local word name
+    for word in $1; do
+        for name in ${word//\// }; do
+            [[ $installed != *" installed:$name "* ]] || continue 2
+        done
+        printf '%s ' "$word"
+    done
+}
+
+apt_install() { # [?]NAME[/NAME...]...
     local as_root=()
     if [ "$EUID" -ne 0 ]; then
         command -v sudo >/dev/null || fail "run this as root, then start again: apt-get install --no-install-recommends $*"
@@ -111,7 +161,7 @@ apt_install() {
     # shellcheck disable=SC2016 # expanded by the inner shell
     step packages "Installing the packages with apt-get" \
         "see that this machine reaches its Debian mirror; a half-done installation is mended by 'dpkg --configure -a'" \
-        "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive flock --timeout 900 /var/lib/dpkg sh -ec '
+        "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive flock --timeout 900 /var/lib/dpkg bash -ec '
             policy=/usr/sbin/policy-rc.d
             if [ ! -e "$policy" ]; then
                 trap "rm -f $policy" EXIT
@@ -120,8 +170,19 @@ apt_install() {
                 chmod 755 "$policy"
             fi
             apt-get -q update || echo "Going on with the package lists that are there."
-            apt-get -q --yes --no-install-recommends -o DPkg::Lock::Timeout=300 install "$@"
-            case " $* " in *" squid "*) update-rc.d squid disable ;; esac' sh "$@"
+            names=()
+            for word in "$@"; do
+                for name in $(tr / " " <<<"${word#\?}"); do
+                    if apt-cache show --quiet=0 "$name" 2>/dev/null | grep -q .; then
+                        names+=("$name")
+                        continue 2
+                    fi
+                done
+                [[ $word == \?* ]] || { echo "No package is named $word."; exit 1; }
+            done
+            [ ${#names[@]} -ne 0 ] || exit 0
+            apt-get -q --yes --no-install-recommends -o DPkg::Lock::Timeout=300 install "${names[@]}"
+            case " ${names[*]} " in *" squid "*) update-rc.d squid disable ;; esac' bash "$@"
 }
 
 # --- One run at a time in a clone ------------------------------------------------------------------------------------

@@ -17,7 +17,7 @@ std::map<std::string, int> LinesOf(int runs, const std::filesystem::path& log)
 {
     std::string command;
     for (int run = 0; run < runs; ++run) {
-        command += VANTOR_SOURCE_DIRECTORY "/tools/wine-run e2e " VANTOR_PROGRAM " /hcmode=periodic '/logfile=" +
+        command += VANTOR_SOURCE_DIRECTORY "/tools/wine-run e2e " + WindowsTree("vantor.exe") + " /hcmode=periodic '/logfile=" +
                    WindowsPath(log) + "' & all=\"$all $!\"; ";
     }
     std::filesystem::remove(log);
@@ -55,7 +55,7 @@ TEST(LogFile, ThatCannotBeWrittenDoesNotStopTheRun)
     // A folder, a missing one, a name that Windows refuses, a full disk, one that fails every write, and a device.
     for (const std::string path :
          {"C:\\windows", "C:\\no such folder\\x.log", "C:\\no?name.log", "Z:\\dev\\full", "Z:\\proc\\version", "NUL"}) {
-        const Outcome outcome = RunProgram(VANTOR_PROGRAM, {"/hcmode=periodic", "/logfile=" + path}, "");
+        const Outcome outcome = RunProgram(WindowsTree("vantor.exe"), {"/hcmode=periodic", "/logfile=" + path}, "");
         EXPECT_EQ(outcome.exitCode, 0) << path;
         EXPECT_EQ(outcome.standardOutput + outcome.standardError, "") << path;
         EXPECT_EQ(receiver.Pulses().size(), ++pulses) << path;

@@ -24,10 +24,10 @@ TEST(Modules, PlantedOnesAreNotLoaded)
     const fs::path tests = fs::current_path();
     fs::create_directories(current);
     for (const std::string name : {"winhttp", "wintrust", "ws2_32"}) {
-        fs::copy_file(VANTOR_TEST_MODULES "/versioned_german.dll", beside / (name + ".dll"));
-        fs::copy_file(VANTOR_TEST_MODULES "/versioned_german.dll", current / (name + ".dll"));
+        fs::copy_file(WindowsTree("tests/versioned_german.dll"), beside / (name + ".dll"));
+        fs::copy_file(WindowsTree("tests/versioned_german.dll"), current / (name + ".dll"));
     }
-    fs::copy_file(VANTOR_PROGRAM, beside / "vantor.exe");
+    fs::copy_file(WindowsTree("vantor.exe"), beside / "vantor.exe");
     // Wine prefers its own DLLs, a planted one only where it is told to. It cannot be told to for version, dnsapi and
     // crypt32: its own DLLs load these, too, and take a planted one whatever the program chose.
     const std::string order = Load("winhttp,wintrust,ws2_32=n,b");

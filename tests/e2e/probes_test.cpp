@@ -27,7 +27,7 @@ Report ReportOf(std::vector<std::string> arguments)
 TEST(Probes, EveryFieldOfARichMachineIsReported)
 {
     const auto folder = ScratchFolder();
-    std::filesystem::copy_file(VANTOR_TEST_MODULES "/versioned_german.dll", folder / "ReputationCommunicator.dll");
+    std::filesystem::copy_file(WindowsTree("tests/versioned_german.dll"), folder / "ReputationCommunicator.dll");
     std::ifstream file(VANTOR_SOURCE_DIRECTORY "/tests/e2e/rich_machine.reg");
     const std::string machine(std::istreambuf_iterator<char>(file), {});
     SetRegistry(std::regex_replace(machine, std::regex("%DIRECTORY%"), Escaped(WindowsPath(folder))));

@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <regex>
@@ -95,7 +96,7 @@ Outcome RunUnderWine(std::vector<std::string> command, std::vector<std::string> 
 
 std::string CopyOfStandIn(const std::string& name)
 {
-    fs::copy_file(VANTOR_TEST_MODULES "/process_stand_in.exe", ScratchFolder() / name);
+    fs::copy_file(WindowsTree("tests/process_stand_in.exe"), ScratchFolder() / name);
     return ScratchFolder() / name;
 }
 
@@ -128,6 +129,12 @@ std::vector<std::string> ReadLines(const fs::path& path)
     return lines;
 }
 
+std::string WindowsTree(const std::string& file)
+{
+    const char* const tree = std::getenv("VANTOR_WINDOWS_TREE");
+    return (tree ? fs::path(tree) : fs::path(VANTOR_SOURCE_DIRECTORY "/build/mingw")) / file;
+}
+
 std::string WindowsPath(const fs::path& path)
 {
     std::string text = "Z:" + path.string();
@@ -145,7 +152,7 @@ Outcome RunProgram(std::vector<std::string> arguments, std::vector<std::string> 
     static int runs = 0;
     const fs::path logFile = ScratchFolder() / ("run" + std::to_string(++runs) + ".log");
     arguments.push_back("/logfile=" + WindowsPath(logFile));
-    return RunProgram(VANTOR_PROGRAM, std::move(arguments), logFile, std::move(settings));
+    return RunProgram(WindowsTree("vantor.exe"), std::move(arguments), logFile, std::move(settings));
 }
 
 Outcome RunProgram(const fs::path& program, std::vector<std::string> arguments, const fs::path& logFile,

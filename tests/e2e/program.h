@@ -24,6 +24,9 @@ std::filesystem::path ScratchFolder();
 /// The lines of a file; none when it is not there.
 std::vector<std::string> ReadLines(const std::filesystem::path& path);
 
+/// A file of the Windows build tree whose program is tested, which the environment names (VANTOR_WINDOWS_TREE).
+std::string WindowsTree(const std::string& file);
+
 /// A path as the program sees it.
 std::string WindowsPath(const std::filesystem::path& path);
 

@@ -18,7 +18,7 @@ namespace {
 using Lines = std::vector<std::string>;
 
 const std::string kSquid = "127.0.0.1:31280"; // a squid that serves the machine has another port
-const std::string kClient = VANTOR_TEST_MODULES "/proxied_client.exe";
+const std::string kClient = WindowsTree("tests/proxied_client.exe");
 
 Lines operator+(Lines left, const Lines& right)
 {
@@ -158,7 +158,7 @@ TEST(Proxies, EachKindWithEachKindOfCredentials)
     SetRegistry("[HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon]\n"
                 "\"Shell\"=\"explorer.exe\"\n");
     const Background scripted(
-        UnderWine({VANTOR_TEST_MODULES "/vantor_windows_tests.exe",
+        UnderWine({WindowsTree("tests/vantor_windows_tests.exe"),
                    "--gtest_filter=HttpConnectionTest.AProxysChallengeIsAnsweredWithEachSchemeOnce"}),
         "scripted", "[  PASSED  ] 1 test.");
     std::istringstream rows(scripted.Output());

@@ -230,7 +230,7 @@ TEST_F(PulseTest, RunsInOneProcessLeaveItAsItWas)
 {
     const auto log = ScratchFolder() / "run.log";
     const auto run = [&](const char* count, const char* apartment, const char* option) {
-        return RunProgram(VANTOR_TEST_MODULES "/many_runs.exe",
+        return RunProgram(WindowsTree("tests/many_runs.exe"),
                           {count, apartment, "/hcmode=periodic", option, "/logfile=" + WindowsPath(log)}, log);
     };
     LocalReceiver receiver;
@@ -253,7 +253,7 @@ TEST_F(PulseTest, TheLogPathComesFromSideFileThenRegistryThenArgument)
 {
     const auto folder = ScratchFolder();
     const auto program = folder / "vantor.exe";
-    std::filesystem::copy_file(VANTOR_PROGRAM, program);
+    std::filesystem::copy_file(WindowsTree("vantor.exe"), program);
     std::ofstream(folder / "vantor.txt") << "#/logfile=no\r\n/logfile=C:\\no.log\r\n/LOGFILE=no\n/logfile="
                                          << WindowsPath(folder / "side.log") << "\r\nend";
 

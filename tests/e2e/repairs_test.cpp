@@ -110,7 +110,7 @@ TEST(Repairs, BeforeAndAfter)
 TEST(Repairs, TheProductIsAskedForAccessBeforeEachAndLetGoAfterIt)
 {
     const fs::path folder = ScratchFolder();
-    fs::copy_file(VANTOR_TEST_MODULES "/modules/signed/vxeaaca.dll", folder / "vxeaaca.dll");
+    fs::copy_file(WindowsTree("tests/modules/signed/vxeaaca.dll"), folder / "vxeaaca.dll");
     SetRegistry(kBrokenMachine + ("[HKEY_LOCAL_MACHINE\\SOFTWARE\\Vexora\\Endpoint\\Common]\n\"szInstallDir64\"=\"" +
                                   Escaped(WindowsPath(folder)) + "\"\n"));
     const fs::path record = folder / "record.txt";
@@ -132,10 +132,10 @@ TEST(Repairs, TheProductIsAskedForAccessBeforeEachAndLetGoAfterIt)
 Outcome RunUnderUpdater(std::vector<std::string> arguments)
 {
     const fs::path updater = ScratchFolder() / "ScUpdate.exe";
-    fs::copy_file(VANTOR_TEST_MODULES "/starter.exe", updater, fs::copy_options::overwrite_existing);
+    fs::copy_file(WindowsTree("tests/starter.exe"), updater, fs::copy_options::overwrite_existing);
     const fs::path log = ScratchFolder() / "updater.log";
     fs::remove(log);
-    arguments.insert(arguments.begin(), WindowsPath(VANTOR_PROGRAM));
+    arguments.insert(arguments.begin(), WindowsPath(WindowsTree("vantor.exe")));
     arguments.push_back("/logfile=" + WindowsPath(log));
     return RunProgram(updater, std::move(arguments), log);
 }

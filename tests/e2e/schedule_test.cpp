@@ -42,7 +42,7 @@ TEST(Schedule, EveryRunLogsAndLeavesWhatItShould)
     };
     const std::string standIn =
         "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Classes\\CLSID\\{0f87369f-a4e5-4cfc-bd3e-73e6154572dd}\\InprocServer32]\n@=\"" +
-        Escaped(WindowsPath(VANTOR_TEST_MODULES "/task_scheduler.dll")) +
+        Escaped(WindowsPath(WindowsTree("tests/task_scheduler.dll"))) +
         "\"\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Vexora\\AVSolution\\DS\\DS]\n\"szVanTORLog\"=\"" +
         Escaped(WindowsPath(log)) + "\"\n";
     SetRegistry(standIn);
@@ -79,7 +79,7 @@ TEST(Schedule, EveryRunLogsAndLeavesWhatItShould)
         fs::remove(tasks.string() + ".left");
         const std::time_t before = std::time(nullptr);
         const Outcome outcome =
-            RunProgram(VANTOR_PROGRAM, arguments, log,
+            RunProgram(WindowsTree("vantor.exe"), arguments, log,
                        {"TASKS=" + WindowsPath(tasks), "TASKS_FAIL=" + failing, "TZ=JST-9", "LC_ALL=de_DE.UTF-8"});
         const std::time_t after = std::time(nullptr);
         const std::vector<std::string> left(header.find("postdat") == header.npos ? 1 : 0, "0"); // if any was made
@@ -114,7 +114,7 @@ TEST(Schedule, EveryRunLogsAndLeavesWhatItShould)
         }
     }
     for (const auto& [text, other] :
-         {std::pair(WindowsPath(VANTOR_PROGRAM), "<program>"), {WindowsPath(log), "<log>"}, {"\r", ""}}) {
+         {std::pair(WindowsPath(WindowsTree("vantor.exe")), "<program>"), {WindowsPath(log), "<log>"}, {"\r", ""}}) {
         actual = std::regex_replace(actual, std::regex(Escaped(text)), other);
     }
     std::ofstream(ScratchFolder() / "scheduling.log") << actual; // to be taken over when a change is meant

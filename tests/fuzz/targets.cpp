@@ -1,5 +1,5 @@
 // What the fuzzers feed: every reader of bytes that others write. A promise that is not kept ends the program, as what
-// a sanitizer finds does. Each target is a program of its own, which VANTOR_FUZZ_TARGET names.
+// a sanitizer finds does. One program has all targets; the name that it is started under chooses one.
 #include "health/record/content_version.h"
 #include "health/record/dotted_version.h"
 #include "inspect/inspect_command.h"
@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <string_view>
 
 namespace vantor::fuzz {
 
@@ -112,10 +113,40 @@ void inspected(const std::string& input)
     }
 }
 
+struct Target {
+    std::string_view name; ///< what the program's name ends with
+    void (*run)(const std::string& input);
+};
+
+constexpr Target kTargets[] = {
+    {"fuzz_options", options},
+    {"fuzz_dotted_version", dotted_version},
+    {"fuzz_multi_string", multi_string},
+    {"fuzz_pem", pem},
+    {"fuzz_report", report},
+    {"fuzz_text_block", text_block},
+    {"fuzz_pulse", pulse},
+    {"fuzz_inspected", inspected},
+};
+
+void (*run)(const std::string& input) = nullptr;
+
 } // namespace vantor::fuzz
+
+extern "C" int LLVMFuzzerInitialize(int*, char*** arguments)
+{
+    const std::string_view program = **arguments;
+    for (const vantor::fuzz::Target& target : vantor::fuzz::kTargets) {
+        if (program.ends_with(target.name)) {
+            vantor::fuzz::run = target.run;
+        }
+    }
+    vantor::fuzz::Promise(vantor::fuzz::run != nullptr);
+    return 0;
+}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    vantor::fuzz::VANTOR_FUZZ_TARGET({data, data + size});
+    vantor::fuzz::run({data, data + size});
     return 0;
 }

@@ -1,0 +1,42 @@
+# Tests that start the program of a Windows tree, and those of the sources as texts.
+foreach(rule IN ITEMS documented-messages include-direction)
+    string(REPLACE "-" "_" script ${rule})
+    add_test(NAME ${rule} COMMAND ${CMAKE_COMMAND} -P "${PROJECT_SOURCE_DIR}/cmake/${script}.cmake")
+endforeach()
+
+vantor_test(vantor_e2e_tests
+    e2e/log_file_test.cpp
+    e2e/modules_test.cpp
+    e2e/probes_test.cpp
+    e2e/program.cpp
+    e2e/proxy_test.cpp
+    e2e/pulse_test.cpp
+    e2e/relay.cpp
+    e2e/repairs_test.cpp
+    e2e/schedule_test.cpp)
+target_link_libraries(vantor_e2e_tests PRIVATE vantor_receiver_lib vantor_httplib)
+target_compile_definitions(vantor_e2e_tests PRIVATE
+    VANTOR_SOURCE_DIRECTORY="${PROJECT_SOURCE_DIR}"
+    VANTOR_PKI_DIRECTORY="${VANTOR_PKI_DIRECTORY}"
+    VANTOR_E2E_DIRECTORY="${PROJECT_SOURCE_DIR}/build/e2e")
+
+# With each C runtime that there is a compiler for. The tests of one run one after the other, since they share a port and a
+# registry; what they start is brought up to date first.
+find_program(VANTOR_UCRT_COMPILER x86_64-w64-mingw32ucrt-g++)
+foreach(tree IN ITEMS mingw ucrt)
+    set(test_prefix "")
+    if(tree STREQUAL "ucrt")
+        if(NOT VANTOR_UCRT_COMPILER)
+            continue()
+        endif()
+        set(test_prefix "ucrt.")
+        file(APPEND "${test_programs}" "${test_prefix}|vantor_e2e_tests|e2e/*_test.cpp\n")
+    endif()
+    set(tree_directory "${PROJECT_SOURCE_DIR}/build/${tree}")
+    add_test(NAME ${tree}-is-built COMMAND ${CMAKE_COMMAND} --build "${tree_directory}" --target end_to_end)
+    set_tests_properties(${tree}-is-built PROPERTIES FIXTURES_SETUP ${tree} TIMEOUT 600)
+    gtest_discover_tests(vantor_e2e_tests TEST_PREFIX "${test_prefix}" TEST_LIST ${tree}_tests DISCOVERY_MODE PRE_TEST
+        DISCOVERY_TIMEOUT 60
+        PROPERTIES TIMEOUT 120 RESOURCE_LOCK end-to-end FIXTURES_REQUIRED ${tree}
+        ENVIRONMENT "VANTOR_WINDOWS_TREE=${tree_directory}")
+endforeach()

@@ -1,0 +1,136 @@
+# Tests of this tree's own sources.
+vantor_test(vantor_core_tests
+    health/record/health_record_test.cpp
+    health/record/report_test.cpp
+    run/log/log_line_test.cpp
+    run/options/options_test.cpp
+    run/task/task_schedule_test.cpp
+    telemetry/winhttp/code_names_test.cpp
+    telemetry/payload_text_test.cpp)
+vantor_discover(vantor_core_tests)
+target_link_libraries(vantor_core_tests PRIVATE vantor_core)
+target_compile_definitions(vantor_core_tests PRIVATE VANTOR_SOURCE_DIRECTORY="${PROJECT_SOURCE_DIR}")
+
+vantor_test(vantor_inspect_tests
+    inspect/inspect_command_test.cpp
+    inspect/pulse_decoder_test.cpp
+    inspect/run_log_test.cpp)
+vantor_discover(vantor_inspect_tests)
+target_link_libraries(vantor_inspect_tests PRIVATE vantor_inspect_lib)
+# The program itself, on this machine and under Wine. Of a log, what it prints counts; a pulse must end with 0.
+set(inspect_test ${test_prefix}vantor-inspect)
+file(APPEND "${test_programs}" "${inspect_test}|vantor-inspect|\n")
+add_test(NAME ${inspect_test}.exit-code
+    COMMAND vantor-inspect "${CMAKE_CURRENT_SOURCE_DIR}/fuzz/corpus/pulse/periodic.txt")
+set_tests_properties(${inspect_test}.exit-code PROPERTIES TIMEOUT 60)
+add_test(NAME ${inspect_test} COMMAND vantor-inspect "${CMAKE_CURRENT_SOURCE_DIR}/e2e/periodic.log")
+set_tests_properties(${inspect_test} PROPERTIES TIMEOUT 60
+    PASS_REGULAR_EXPRESSION "The periodic pulse was delivered directly; [0-9]+ warnings, 1 error\\.")
+
+if(WIN32)
+    # A program that the end-to-end tests run under the names of the product's.
+    add_executable(process_stand_in stand_ins/process.cpp)
+    vantor_strict(process_stand_in)
+    # The updater that starts the program.
+    add_executable(starter stand_ins/starter.cpp)
+    vantor_strict(starter)
+
+    # The Task Scheduler, as a server that COM loads in the place of Windows' own.
+    add_library(task_scheduler MODULE stand_ins/task_scheduler.cpp)
+    set_target_properties(task_scheduler PROPERTIES PREFIX "" WINDOWS_EXPORT_ALL_SYMBOLS ON)
+    target_link_libraries(task_scheduler PRIVATE taskschd)
+    vantor_strict(task_scheduler)
+
+    # The program's connection with settings that no option gives.
+    add_executable(proxied_client stand_ins/proxied_client.cpp)
+    target_link_libraries(proxied_client PRIVATE vantor_windows)
+    vantor_strict(proxied_client)
+
+    # The program's runs, many of them in one process.
+    add_executable(many_runs stand_ins/many_runs.cpp)
+    target_link_libraries(many_runs PRIVATE vantor_windows ole32 oleaut32 taskschd)
+    vantor_strict(many_runs)
+
+    # versioned_module(NAME [TRANSLATIONS]): a module with a version resource that has this translation table, or none.
+    function(versioned_module name)
+        set(variables "")
+        if(ARGC GREATER 1)
+            set(variables "BLOCK \"VarFileInfo\" BEGIN VALUE \"Translation\", ${ARGV1} END")
+        endif()
+        configure_file(stand_ins/versioned.rc.in "${CMAKE_CURRENT_BINARY_DIR}/${name}.rc" @ONLY)
+        add_library(${name} MODULE stand_ins/module.cpp "${CMAKE_CURRENT_BINARY_DIR}/${name}.rc")
+        set_target_properties(${name} PROPERTIES PREFIX "")
+    endfunction()
+    enable_language(RC)
+    versioned_module(versioned_none)
+    versioned_module(versioned_german "0x0407, 1252")
+    versioned_module(versioned_german_english "0x0407, 1252, 0x0409, 1200")
+    versioned_module(versioned_german_english_neutral "0x0407, 1252, 0x0409, 1200, 0, 1200")
+    add_library(versioned_lying MODULE stand_ins/module.cpp stand_ins/versioned_lying.rc)
+    add_library(unversioned MODULE stand_ins/module.cpp)
+    set_target_properties(versioned_lying unversioned PROPERTIES PREFIX "")
+
+    # The product's access-protection module: a stand-in without a signature, and signed copies. They stay out of the
+    # test program's folder, where the program would find them.
+    add_library(vxeaaca MODULE stand_ins/vxeaaca.cpp)
+    set_target_properties(vxeaaca PROPERTIES PREFIX ""
+        LIBRARY_OUTPUT_DIRECTORY "${CMAKE_CURRENT_BINARY_DIR}/modules/unsigned")
+    target_include_directories(vxeaaca PRIVATE "${PROJECT_SOURCE_DIR}/src")
+    target_link_libraries(vxeaaca PRIVATE ole32)
+    target_link_options(vxeaaca PRIVATE -s)
+    vantor_strict(vxeaaca)
+
+    # signed_module(FOLDER TARGET): modules/FOLDER/vxeaaca.dll, which is TARGET with a signature.
+    find_program(VANTOR_OSSLSIGNCODE osslsigncode REQUIRED)
+    function(signed_module folder target)
+        set(signed "${CMAKE_CURRENT_BINARY_DIR}/modules/${folder}/vxeaaca.dll")
+        set(signer "${VANTOR_PKI_DIRECTORY}/code-signer")
+        set(authority "${VANTOR_PKI_DIRECTORY}/code-authority.pem")
+        add_custom_command(OUTPUT "${signed}"
+            COMMAND ${CMAKE_COMMAND} -E make_directory "${CMAKE_CURRENT_BINARY_DIR}/modules/${folder}"
+            COMMAND ${CMAKE_COMMAND} -E rm -f "${signed}" # osslsigncode replaces no file
+            COMMAND ${VANTOR_OSSLSIGNCODE} sign -certs "${signer}.pem" -key "${signer}.key" -ac "${authority}"
+                -h sha256 -in "$<TARGET_FILE:${target}>" -out "${signed}"
+            DEPENDS ${target} "${signer}.pem" "${signer}.key" "${authority}" VERBATIM)
+        add_custom_target(${folder}_module ALL DEPENDS "${signed}")
+    endfunction()
+    signed_module(signed vxeaaca)
+    signed_module(exportless unversioned)
+
+    # What the end-to-end tests start or copy.
+    add_custom_target(end_to_end DEPENDS vantor vantor_windows_tests process_stand_in starter task_scheduler proxied_client
+        many_runs versioned_german signed_module)
+
+    vantor_test(vantor_windows_tests
+        health/protection/access_protection_test.cpp
+        health/collectors_test.cpp
+        health/repair/integrity_checks_test.cpp
+        health/probes/process_probe_test.cpp
+        health/probes/product_probes_test.cpp
+        health/tracing/updater_tracing_test.cpp
+        proxy/user/impersonation_test.cpp
+        platform/platform_test.cpp
+        proxy/proxy_manager_test.cpp
+        proxy/session/proxy_sessions_test.cpp
+        run/product/file_version_info_test.cpp
+        run/options/get_config_test.cpp
+        run/log/logging_test.cpp
+        telemetry/http/http_connection_test.cpp
+        telemetry/request/http_request_test.cpp
+        telemetry/vri_rest_test.cpp)
+    vantor_discover(vantor_windows_tests)
+    add_dependencies(vantor_windows_tests signed_module exportless_module process_stand_in starter unversioned
+        versioned_none versioned_lying versioned_german
+        versioned_german_english versioned_german_english_neutral)
+    target_link_libraries(vantor_windows_tests PRIVATE vantor_windows winhttp crypt32 ole32 oleaut32 taskschd)
+    target_compile_definitions(vantor_windows_tests PRIVATE VANTOR_PKI_DIRECTORY="${VANTOR_PKI_DIRECTORY}")
+endif()
+
+if(NOT WIN32)
+    vantor_test(vantor_receiver_tests
+        receiver/pulse_page_test.cpp
+        receiver/receiver_test.cpp)
+    vantor_discover(vantor_receiver_tests)
+    target_link_libraries(vantor_receiver_tests PRIVATE vantor_receiver_lib vantor_httplib)
+    target_compile_definitions(vantor_receiver_tests PRIVATE VANTOR_PKI_DIRECTORY="${VANTOR_PKI_DIRECTORY}")
+endif()
