@@ -103,7 +103,7 @@ check_package_sets=(
 )
 # What ./check --full needs beside those.
 full_package_sets=(
-    "find faults in the sources|clang clang-tidy clang-format cppcheck shellcheck"
+    "find faults in the sources|clang clang-tidy clang-format cppcheck shellcheck libc++-16-dev/libc++-dev"
     "fuzz|clang libclang-rt-dev"
 )
 # What is used where a release has it.

@@ -11,9 +11,14 @@ void ReadOsVersion(HealthRecord& record)
     OSVERSIONINFOEXW version{};
     version.dwOSVersionInfoSize = sizeof(version);
 #ifdef _MSC_VER
-#pragma warning(suppress : 4996) // deprecated, but what the record carries is what this call says
+#pragma warning(push)
+#pragma warning(disable : 4996) // deprecated, but what the record carries is what this call says
 #endif
-    if (!::GetVersionExW(reinterpret_cast<OSVERSIONINFOW*>(&version))) {
+    const BOOL known = ::GetVersionExW(reinterpret_cast<OSVERSIONINFOW*>(&version));
+#ifdef _MSC_VER
+#pragma warning(pop)
+#endif
+    if (!known) {
         return;
     }
     record.os_major = static_cast<std::uint16_t>(version.dwMajorVersion);

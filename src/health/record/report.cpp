@@ -48,10 +48,12 @@ ReportBytes EncodeReport(const HealthRecord& record)
 
 ReportBytes EncodeReport(const HealthRecord& record, const TextBlock& block)
 {
-    ReportBytes report = EncodeReport(record);
-    report.push_back(static_cast<std::uint8_t>(block.bytes.size() & 0xFF));
-    report.push_back(static_cast<std::uint8_t>(block.bytes.size() >> 8));
-    report.insert(report.end(), block.bytes.begin(), block.bytes.end());
+    const auto head = EncodeHealthRecord(record);
+    ReportBytes report(head.size() + kBlockLengthSize + block.bytes.size());
+    auto next = std::ranges::copy(head, report.begin()).out;
+    *next++ = static_cast<std::uint8_t>(block.bytes.size() & 0xFF);
+    *next++ = static_cast<std::uint8_t>(block.bytes.size() >> 8);
+    std::ranges::copy(block.bytes, next);
     return report;
 }
 

@@ -5,7 +5,7 @@
 
 #include <windows.h>
 
-#include <wincrypt.h>
+#include <wincrypt.h> // wintrust.h wants it first
 #include <wintrust.h>
 
 namespace vantor::wintrust {
