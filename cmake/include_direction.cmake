@@ -16,12 +16,13 @@ set(floors
     health/tracing
     health
     telemetry/winhttp
+    telemetry/request
     proxy/config
+    proxy/calls
     proxy/user
     proxy/auth
     proxy/session
     proxy
-    telemetry/request
     telemetry/http
     telemetry
     run/task

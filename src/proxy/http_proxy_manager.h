@@ -1,10 +1,9 @@
 // Which way requests take: direct, through a named proxy, or through one found automatically.
 #pragma once
 
-#include "proxy/proxy_calls.h"
+#include "proxy/auth/proxy_host.h"
 #include "proxy/session/http_session.h"
-#include "proxy/session/session_host.h"
-#include "proxy/session/session_impersonator.h"
+#include "proxy/user/user_impersonation.h"
 
 #include <memory>
 #include <string>
@@ -14,11 +13,10 @@ namespace vantor {
 /// Owns one session of each kind and keeps the one in use; implements the one-shot fallback from a proxy to a direct
 /// connection. Unconfigured until InitConfig. Used from one thread. Throws nothing of its own; failures are in its
 /// results and the log, all at trace level. Does nothing when the call layer is null.
-class CHTTPProxyManager : public ISessionHost {
+class CHTTPProxyManager {
 public:
     CHTTPProxyManager(std::shared_ptr<IHTTP> http, ProxyCalls calls, std::shared_ptr<ILogger> logger,
                       std::wstring userAgent);
-    ~CHTTPProxyManager() override;
     CHTTPProxyManager(const CHTTPProxyManager&) = delete;
     CHTTPProxyManager& operator=(const CHTTPProxyManager&) = delete;
 
@@ -28,14 +26,12 @@ public:
     /// Opens a WinHTTP session on the session in use; null on failure. See CHTTPSession::Open for the timeout.
     HINTERNET OpenSession(std::uint32_t* timeout);
 
-    /// Prepares a request for one attempt; non-zero for success.
-    DWORD InitRequest(HINTERNET session, IProxiedRequest& request, const std::wstring& url,
-                      const ProxyAuthSchemePtr& scheme);
+    /// Prepares a request for one attempt; false on failure.
+    bool InitRequest(HINTERNET session, HttpRequest& request, const std::wstring& url,
+                     const ProxyAuthSchemePtr& scheme);
 
-    /// Cleans up after the attempt; non-zero for success.
-    DWORD CleanRequest(const ProxyAuthSchemePtr& scheme);
-
-    BOOL SetCredentials(DWORD authScheme, IProxiedRequest& request) override;
+    /// Cleans up after the attempt; false on failure.
+    bool CleanRequest(const ProxyAuthSchemePtr& scheme);
 
     /// Turns to the direct session and answers true, unless a fallback is in force, no proxy is in use, or the
     /// configuration does not allow it.
@@ -48,30 +44,21 @@ public:
 
     bool IsFallbackInForce() const { return m_savedSession != nullptr; }
 
-    /// The auto-proxy session's impersonation of the logged-on user; lives as long as the manager.
-    IUserImpersonator& Impersonator() { return *m_impersonator; }
+    /// The impersonation for the current user's scheme; lives as long as the manager.
+    UserImpersonation& Impersonator() { return m_impersonator; }
 
-    const ProxyConfig& Config() const override { return m_config; }
-    IHTTP& Http() const override { return *m_http; }
-    IProxyDiscovery& Discovery() const override { return *m_calls.discovery; }
-    INameResolver& Resolver() const override { return *m_calls.resolver; }
-    ITokenCalls& Tokens() const override { return *m_calls.tokens; }
-    const std::wstring& UserAgent() const override { return m_userAgent; }
+    const ProxyConfig& Config() const { return m_host.config; }
 
 private:
     void LogConfig(const class OperationLog& log) const;
 
-    std::shared_ptr<IHTTP> m_http;
-    ProxyCalls m_calls;
-    std::wstring m_userAgent;
-    ProxyConfig m_config;
+    ProxyHost m_host;
     std::shared_ptr<CHTTPSession> m_directSession;
     std::shared_ptr<CHTTPSession> m_namedProxySession;
-    std::shared_ptr<CHTTPSessionAutoProxy> m_autoProxySession;
+    std::shared_ptr<CHTTPSession> m_autoProxySession;
     std::shared_ptr<CHTTPSession> m_currentSession; ///< one of the three; null while unconfigured
     std::shared_ptr<CHTTPSession> m_savedSession;   ///< the proxy session in use before a fallback
-    std::unique_ptr<SessionImpersonator> m_impersonator;
-    std::shared_ptr<ILogger> m_logger;
+    UserImpersonation m_impersonator;
 };
 
 } // namespace vantor

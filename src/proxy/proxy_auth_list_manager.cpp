@@ -1,6 +1,7 @@
 #include "proxy/proxy_auth_list_manager.h"
 
 #include "proxy/auth/proxy_auth_user.h"
+#include "proxy/auth/scheme_choice.h"
 #include "run/log/operation_log.h"
 
 #include <algorithm>
@@ -20,19 +21,12 @@ C_HTTPProxyAuthListManager::C_HTTPProxyAuthListManager(CHTTPProxyManager& manage
         std::make_shared<CHTTPProxyAuthUser>(m_logger, &m_manager.Impersonator());
     m_schemes[REP_PROXY_AUTH_SCHEME_NTLM] = std::make_shared<CHTTPProxyAuthNTLM>(m_logger);
     m_schemes[REP_PROXY_AUTH_SCHEME_KERBEROS] = std::make_shared<CHTTPProxyAuthKerberos>(m_logger);
-    InitializeAuthenticationSchemeList();
-}
-
-void C_HTTPProxyAuthListManager::InitializeAuthenticationSchemeList()
-{
-    if (m_manager.IsFallbackInForce() || m_configured.empty()) {
-        return;
+    if (!m_manager.IsFallbackInForce()) {
+        m_queue = FirstSchemes(m_configured);
     }
-    // With several schemes the first attempt goes out without credentials: the proxy's answer tells their order.
-    m_queue.push_back(m_configured.size() == 1 ? m_configured.front() : REP_PROXY_AUTH_SCHEME_NONE);
 }
 
-DWORD C_HTTPProxyAuthListManager::InitRequest(HINTERNET session, IProxiedRequest& request, const std::wstring& url)
+bool C_HTTPProxyAuthListManager::InitRequest(HINTERNET session, HttpRequest& request, const std::wstring& url)
 {
     m_inUse = nullptr;
     if (m_queue.empty()) {
@@ -46,15 +40,15 @@ DWORD C_HTTPProxyAuthListManager::InitRequest(HINTERNET session, IProxiedRequest
     return m_manager.InitRequest(session, request, url, m_inUse);
 }
 
-DWORD C_HTTPProxyAuthListManager::CleanRequest()
+bool C_HTTPProxyAuthListManager::CleanRequest()
 {
     if (!m_inUse) {
-        return 0;
+        return false;
     }
     return m_manager.CleanRequest(std::exchange(m_inUse, nullptr));
 }
 
-void C_HTTPProxyAuthListManager::FindNextAuthenticationScheme(IProxiedRequest& request)
+void C_HTTPProxyAuthListManager::FindNextAuthenticationScheme(HttpRequest& request)
 {
     const OperationLog log(m_logger, "C_HTTPProxyAuthListManager::FindNextAuthenticationScheme");
     if (m_configured.size() == 1) {
@@ -76,7 +70,7 @@ void C_HTTPProxyAuthListManager::FindNextAuthenticationScheme(IProxiedRequest& r
     QueryProxy(request, log);
 }
 
-void C_HTTPProxyAuthListManager::QueryProxy(IProxiedRequest& request, const OperationLog& log)
+void C_HTTPProxyAuthListManager::QueryProxy(HttpRequest& request, const OperationLog& log)
 {
     DWORD supported = 0;
     DWORD first = 0;
@@ -113,19 +107,14 @@ ProxyAuthSchemePtr C_HTTPProxyAuthListManager::LookUpAuthenticationSchemeByRepAu
 void C_HTTPProxyAuthListManager::MatchMsAuthenticationSchemes(DWORD mask)
 {
     const OperationLog log(m_logger, "C_HTTPProxyAuthListManager::MatchMsAuthenticationSchemes");
-    for (DWORD bit = 1; bit != 0; bit <<= 1) {
-        if (!(mask & bit)) {
-            continue;
-        }
-        for (const std::uint32_t value : m_configured) {
-            const ProxyAuthSchemePtr scheme = LookUpAuthenticationSchemeByRepAuthenticationScheme(value);
-            if (scheme && (scheme->MsScheme() & mask)) {
-                m_queue.push_back(value);
-                log.Trace(" use rep-authentication scheme = " + std::to_string(value));
-            } else {
-                log.Trace("MSAuthScheme=" + std::to_string(bit) + " RepAuthScheme=" + std::to_string(value) +
-                          " do not match");
-            }
+    for (const auto& [offered, value, isMatch] : MatchSchemes(m_configured, mask)) {
+        LookUpAuthenticationSchemeByRepAuthenticationScheme(value); // names an unknown one in the log
+        if (isMatch) {
+            m_queue.push_back(value);
+            log.Trace(" use rep-authentication scheme = " + std::to_string(value));
+        } else {
+            log.Trace("MSAuthScheme=" + std::to_string(offered) + " RepAuthScheme=" + std::to_string(value) +
+                      " do not match");
         }
     }
 }

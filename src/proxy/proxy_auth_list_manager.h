@@ -25,14 +25,14 @@ public:
 
     /// Takes the front scheme off the queue and prepares the request with it; without one, with none. Non-zero for
     /// success.
-    DWORD InitRequest(HINTERNET session, IProxiedRequest& request, const std::wstring& url);
+    bool InitRequest(HINTERNET session, HttpRequest& request, const std::wstring& url);
 
-    /// Cleans up after the attempt; 0 when no scheme was in use, otherwise the manager's result.
-    DWORD CleanRequest();
+    /// Cleans up after the attempt; false when no scheme was in use, otherwise the manager's result.
+    bool CleanRequest();
 
     /// Looks at the answer to an attempt. The first 407 fills the queue with the configured schemes that the proxy
     /// supports, once for each scheme that it offers; anything but a 407 empties the queue.
-    void FindNextAuthenticationScheme(IProxiedRequest& request);
+    void FindNextAuthenticationScheme(HttpRequest& request);
 
     /// Whether the queue holds a scheme that was not tried yet; those that were are taken off its front. It may name a
     /// scheme several times, but repeating one wrong password would lock an account.
@@ -46,8 +46,7 @@ public:
     void MatchMsAuthenticationSchemes(DWORD mask);
 
 private:
-    void InitializeAuthenticationSchemeList();
-    void QueryProxy(IProxiedRequest& request, const class OperationLog& log);
+    void QueryProxy(HttpRequest& request, const class OperationLog& log);
 
     static constexpr std::size_t kSchemeCount = 5;
 

@@ -40,11 +40,11 @@ TEST_F(ProxyTest, FallsBackOnceUntilTheFallbackIsCleared)
     EXPECT_TRUE(m_manager.ShouldFallBack());
     EXPECT_FALSE(m_manager.ShouldFallBack());
     EXPECT_TRUE(Logged("T CHTTPProxyManager::ShouldFallBack: false, non-null sessionPtr value do not fall back."));
-    EXPECT_NE(InitRequest(), 0u);
+    EXPECT_TRUE(InitRequest());
     EXPECT_EQ(m_discovery->calls, ""); // direct now
 
     EXPECT_TRUE(m_manager.ClearFallBack());
-    EXPECT_NE(InitRequest(), 0u);
+    EXPECT_TRUE(InitRequest());
     EXPECT_EQ(m_discovery->calls, "Detect https://h 3 -;"); // the proxy session again
     EXPECT_TRUE(m_manager.ShouldFallBack());
     m_manager.InitConfig(AutoProxy());
@@ -85,27 +85,27 @@ TEST_F(ProxyTest, TheQueueNamesEachMatchingSchemeOnceForEachOfferedOne)
     EXPECT_TRUE(Logged("T C_HTTPProxyAuthListManager::LookUpAuthenticationSchemeByRepAuthenticationScheme: "
                        "Rep auth scheme is 7"));
     m_http->errors["SetCredentials"] = {0, 87};
-    EXPECT_EQ(listFor({3})->InitRequest(nullptr, m_request, L"u"), 1u);
-    EXPECT_EQ(listFor({4})->InitRequest(nullptr, m_request, L"u"), 0u);
+    EXPECT_TRUE(listFor({3})->InitRequest(nullptr, m_request, L"u"));
+    EXPECT_FALSE(listFor({4})->InitRequest(nullptr, m_request, L"u"));
     EXPECT_TRUE(Logged("T CHTTPProxyAuthScheme::SetCredentials: AuthScheme=16 succeded=false err=87"));
 }
 
 TEST_F(ProxyTest, TheCurrentUsersSchemeNeverLeavesTheThreadImpersonating)
 {
-    m_manager.InitConfig({.m_currentUser = &m_request});
-    EXPECT_EQ(CHTTPProxyAuthUser(m_log, nullptr).InitRequest(m_manager, m_request), 0u);
+    const ProxyHost host{m_http, Windows(), m_log, L"Agent", {.m_currentUser = &m_request}};
+    EXPECT_FALSE(CHTTPProxyAuthUser(m_log, nullptr).InitRequest(host, m_request));
     EXPECT_TRUE(Logged("T CHTTPProxyAuthUser::InitRequest: m_impersonator is null."));
 
     const std::string once = "LoadModules;OpenThreadToken 12;Duplicate;Impersonate supplied;Revert;";
-    EXPECT_EQ(CHTTPProxyAuthUser(m_log, &m_manager.Impersonator()).InitRequest(m_manager, m_request), 1u);
+    EXPECT_TRUE(CHTTPProxyAuthUser(m_log, &m_manager.Impersonator()).InitRequest(host, m_request));
     EXPECT_EQ(m_tokens->calls, once); // ended without clean-up, as by an exception
 
     CHTTPProxyAuthUser scheme(m_log, &m_manager.Impersonator());
     m_http->errors["SetOption 0"] = {ERROR_WINHTTP_INVALID_OPTION};
-    EXPECT_EQ(scheme.InitRequest(m_manager, m_request), 0u);
+    EXPECT_FALSE(scheme.InitRequest(host, m_request));
     EXPECT_TRUE(Logged("T CHTTPProxyAuthUser::InitRequest: Automatic logon failed."));
     EXPECT_EQ(m_tokens->calls, once + once);
-    EXPECT_EQ(scheme.CleanRequest(), 1u); // for the second time, which is harmless
+    EXPECT_TRUE(scheme.CleanRequest()); // for the second time, which is harmless
     EXPECT_EQ(m_tokens->calls, once + once);
 }
 

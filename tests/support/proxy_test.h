@@ -18,7 +18,7 @@ protected:
                 .m_proxyTimeoutFallbackToDirect = true};
     }
 
-    DWORD InitRequest() { return m_manager.InitRequest(nullptr, m_request, L"https://h", m_none); }
+    bool InitRequest() { return m_manager.InitRequest(nullptr, m_request, L"https://h", m_none); }
 
     bool AutoLogged(const std::string& message) const { return Logged("T CHTTPSessionAutoProxy::" + message); }
 

@@ -14,24 +14,24 @@ CHTTPProxyAuthScheme::CHTTPProxyAuthScheme(std::shared_ptr<ILogger> logger, DWOR
     OperationLog(m_logger, constructor).Trace(message);
 }
 
-DWORD CHTTPProxyAuthScheme::InitRequest(IProxyAuthHost&, IProxiedRequest&)
+bool CHTTPProxyAuthScheme::InitRequest(const ProxyHost&, HttpRequest&)
 {
-    return 1;
+    return true;
 }
 
-DWORD CHTTPProxyAuthScheme::CleanRequest()
+bool CHTTPProxyAuthScheme::CleanRequest()
 {
-    return 1;
+    return true;
 }
 
-DWORD CHTTPProxyAuthScheme::SetCredentials(IProxyAuthHost& host, IProxiedRequest& request) const
+bool CHTTPProxyAuthScheme::SetCredentials(const ProxyHost& host, HttpRequest& request) const
 {
-    const BOOL set = host.SetCredentials(m_msScheme, request);
+    const bool set = host.SetCredentials(m_msScheme, request);
     const LastErrorKeeper error;
     OperationLog(m_logger, "CHTTPProxyAuthScheme::SetCredentials")
         .Trace("AuthScheme=" + std::to_string(m_msScheme) + " succeded=" + (set ? "true" : "false") +
                " err=" + std::to_string(error.Error()));
-    return set ? 1 : 0;
+    return set;
 }
 
 CHTTPProxyAuthNone::CHTTPProxyAuthNone(std::shared_ptr<ILogger> logger)
@@ -46,7 +46,7 @@ CHTTPProxyAuthBasic::CHTTPProxyAuthBasic(std::shared_ptr<ILogger> logger)
 {
 }
 
-DWORD CHTTPProxyAuthBasic::InitRequest(IProxyAuthHost& host, IProxiedRequest& request)
+bool CHTTPProxyAuthBasic::InitRequest(const ProxyHost& host, HttpRequest& request)
 {
     return SetCredentials(host, request);
 }
@@ -57,7 +57,7 @@ CHTTPProxyAuthNTLM::CHTTPProxyAuthNTLM(std::shared_ptr<ILogger> logger)
 {
 }
 
-DWORD CHTTPProxyAuthNTLM::InitRequest(IProxyAuthHost& host, IProxiedRequest& request)
+bool CHTTPProxyAuthNTLM::InitRequest(const ProxyHost& host, HttpRequest& request)
 {
     return SetCredentials(host, request);
 }
@@ -69,7 +69,7 @@ CHTTPProxyAuthKerberos::CHTTPProxyAuthKerberos(std::shared_ptr<ILogger> logger)
 {
 }
 
-DWORD CHTTPProxyAuthKerberos::InitRequest(IProxyAuthHost& host, IProxiedRequest& request)
+bool CHTTPProxyAuthKerberos::InitRequest(const ProxyHost& host, HttpRequest& request)
 {
     return SetCredentials(host, request);
 }

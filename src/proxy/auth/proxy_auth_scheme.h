@@ -1,7 +1,7 @@
 // The ways in which a request authenticates to a proxy.
 #pragma once
 
-#include "proxy/auth/proxy_auth_host.h"
+#include "proxy/auth/proxy_host.h"
 #include "run/log/logger.h"
 
 #include <memory>
@@ -15,21 +15,18 @@ public:
     CHTTPProxyAuthScheme(const CHTTPProxyAuthScheme&) = delete;
     CHTTPProxyAuthScheme& operator=(const CHTTPProxyAuthScheme&) = delete;
 
-    /// Prepares the request for one attempt; non-zero for success.
-    virtual DWORD InitRequest(IProxyAuthHost& host, IProxiedRequest& request);
+    /// Prepares the request for one attempt; false on failure.
+    virtual bool InitRequest(const ProxyHost& host, HttpRequest& request);
 
-    /// Undoes what InitRequest did to the thread; non-zero for success.
-    virtual DWORD CleanRequest();
-
-    /// The WINHTTP_AUTH_SCHEME_ value that the scheme stands for; 0: none.
-    DWORD MsScheme() const { return m_msScheme; }
+    /// Undoes what InitRequest did to the thread; false on failure.
+    virtual bool CleanRequest();
 
 protected:
     /// Logs the message under the constructor's name.
     CHTTPProxyAuthScheme(std::shared_ptr<ILogger> logger, DWORD msScheme, const char* constructor, const char* message);
 
-    /// Sets the configured user name and password on the request for this scheme; non-zero for success.
-    DWORD SetCredentials(IProxyAuthHost& host, IProxiedRequest& request) const;
+    /// Sets the configured user name and password on the request for this scheme; false on failure.
+    bool SetCredentials(const ProxyHost& host, HttpRequest& request) const;
 
     const std::shared_ptr<ILogger>& Logger() const { return m_logger; }
 
@@ -48,21 +45,21 @@ public:
 class CHTTPProxyAuthBasic : public CHTTPProxyAuthScheme {
 public:
     explicit CHTTPProxyAuthBasic(std::shared_ptr<ILogger> logger);
-    DWORD InitRequest(IProxyAuthHost& host, IProxiedRequest& request) override;
+    bool InitRequest(const ProxyHost& host, HttpRequest& request) override;
 };
 
 /// REP_PROXY_AUTH_SCHEME_NTLM with the configured credentials.
 class CHTTPProxyAuthNTLM : public CHTTPProxyAuthScheme {
 public:
     explicit CHTTPProxyAuthNTLM(std::shared_ptr<ILogger> logger);
-    DWORD InitRequest(IProxyAuthHost& host, IProxiedRequest& request) override;
+    bool InitRequest(const ProxyHost& host, HttpRequest& request) override;
 };
 
 /// REP_PROXY_AUTH_SCHEME_KERBEROS with the configured credentials.
 class CHTTPProxyAuthKerberos : public CHTTPProxyAuthScheme {
 public:
     explicit CHTTPProxyAuthKerberos(std::shared_ptr<ILogger> logger);
-    DWORD InitRequest(IProxyAuthHost& host, IProxiedRequest& request) override;
+    bool InitRequest(const ProxyHost& host, HttpRequest& request) override;
 };
 
 } // namespace vantor

@@ -1,14 +1,14 @@
 #include "proxy/auth/proxy_auth_user.h"
 
 #include "platform/owner.h"
-#include "proxy/user/user_impersonator.h"
+#include "proxy/user/user_impersonation.h"
 #include "run/log/operation_log.h"
 
 #include <utility>
 
 namespace vantor {
 
-CHTTPProxyAuthUser::CHTTPProxyAuthUser(std::shared_ptr<ILogger> logger, IUserImpersonator* impersonator)
+CHTTPProxyAuthUser::CHTTPProxyAuthUser(std::shared_ptr<ILogger> logger, UserImpersonation* impersonator)
     : CHTTPProxyAuthScheme(std::move(logger), WINHTTP_AUTH_SCHEME_NTLM, "CHTTPProxyAuthUser::CHTTPProxyAuthUser",
                            "Proxy authentication scheme = REP_PROXY_AUTH_SCHEME_CURRENT_USER"),
       m_impersonator(impersonator)
@@ -20,26 +20,26 @@ CHTTPProxyAuthUser::~CHTTPProxyAuthUser()
     EndImpersonation();
 }
 
-DWORD CHTTPProxyAuthUser::InitRequest(IProxyAuthHost& host, IProxiedRequest& request)
+bool CHTTPProxyAuthUser::InitRequest(const ProxyHost& host, HttpRequest& request)
 {
     const OperationLog log(Logger(), "CHTTPProxyAuthUser::InitRequest");
     if (!m_impersonator) {
         log.Trace("m_impersonator is null.");
-        return 0;
+        return false;
     }
-    if (!m_impersonator->Impersonate(host.Config().m_currentUser) || !request.SetOption(0, nullptr, 0)) {
+    if (!m_impersonator->Impersonate(host.config.m_currentUser) || !request.SetOption(0, nullptr, 0)) {
         const LastErrorKeeper keeper;
         log.Trace("Automatic logon failed.");
         EndImpersonation();
-        return 0;
+        return false;
     }
-    return 1;
+    return true;
 }
 
-DWORD CHTTPProxyAuthUser::CleanRequest()
+bool CHTTPProxyAuthUser::CleanRequest()
 {
     EndImpersonation();
-    return 1;
+    return true;
 }
 
 void CHTTPProxyAuthUser::EndImpersonation() noexcept

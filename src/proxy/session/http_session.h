@@ -2,7 +2,6 @@
 #pragma once
 
 #include "proxy/auth/proxy_auth_scheme.h"
-#include "proxy/session/session_host.h"
 #include "run/log/operation_log.h"
 
 #include <cstdint>
@@ -17,7 +16,7 @@ using ProxyAuthSchemePtr = std::shared_ptr<CHTTPProxyAuthScheme>;
 class CHTTPSession {
 public:
     /// The host outlives the session.
-    CHTTPSession(ISessionHost& host, std::shared_ptr<ILogger> logger);
+    explicit CHTTPSession(const ProxyHost& host) : m_host(host) {}
     virtual ~CHTTPSession() = default;
     CHTTPSession(const CHTTPSession&) = delete;
     CHTTPSession& operator=(const CHTTPSession&) = delete;
@@ -26,38 +25,37 @@ public:
     /// *timeout (milliseconds) with proxyTimeout when both the pointer and that value are there.
     virtual HINTERNET Open(std::uint32_t* timeout, std::uint32_t proxyTimeout);
 
-    /// Prepares a request to the URL for one attempt with the scheme, which may be null. Non-zero for success.
-    virtual DWORD InitRequest(HINTERNET session, IProxiedRequest& request, const std::wstring& url,
-                              const ProxyAuthSchemePtr& scheme);
+    /// Prepares a request to the URL for one attempt with the scheme, which may be null. False on failure.
+    virtual bool InitRequest(HINTERNET session, HttpRequest& request, const std::wstring& url,
+                             const ProxyAuthSchemePtr& scheme);
 
-    /// Cleans up after the attempt. Non-zero for success.
-    virtual DWORD CleanRequest(const ProxyAuthSchemePtr& scheme);
+    /// Cleans up after the attempt. False on failure.
+    virtual bool CleanRequest(const ProxyAuthSchemePtr& scheme);
 
 protected:
-    ISessionHost& Host() const { return m_host; }
-    OperationLog Log(const char* operation) const { return {m_logger, operation}; }
+    const ProxyHost& Host() const { return m_host; }
+    OperationLog Log(const char* operation) const { return {m_host.logger, operation}; }
 
     /// Logs a class's own name, as constructors do.
     void LogName(const char* constructor) const;
 
 private:
-    ISessionHost& m_host;
-    std::shared_ptr<ILogger> m_logger;
+    const ProxyHost& m_host;
 };
 
 /// Base of the sessions through a proxy: requests are prepared by the authentication scheme.
 class CHTTPSessionProxy : public CHTTPSession {
 public:
-    CHTTPSessionProxy(ISessionHost& host, std::shared_ptr<ILogger> logger);
+    explicit CHTTPSessionProxy(const ProxyHost& host);
 
     /// Fails without a scheme.
-    DWORD InitRequest(HINTERNET session, IProxiedRequest& request, const std::wstring& url,
-                      const ProxyAuthSchemePtr& scheme) override;
-    DWORD CleanRequest(const ProxyAuthSchemePtr& scheme) override;
+    bool InitRequest(HINTERNET session, HttpRequest& request, const std::wstring& url,
+                     const ProxyAuthSchemePtr& scheme) override;
+    bool CleanRequest(const ProxyAuthSchemePtr& scheme) override;
 
 protected:
     /// CleanRequest under the name of the class that answers for it.
-    DWORD CleanWith(const ProxyAuthSchemePtr& scheme, const OperationLog& log) const;
+    bool CleanWith(const ProxyAuthSchemePtr& scheme, const OperationLog& log) const;
 };
 
 } // namespace vantor

@@ -1,8 +1,7 @@
 #include "proxy/session/http_session_auto_proxy.h"
 
-#include "platform/last_error.h"
+#include "platform/owner.h"
 #include "platform/text.h"
-#include "proxy/session/proxy_discovery.h"
 #include "telemetry/winhttp/code_names.h"
 
 #include <utility>
@@ -33,69 +32,56 @@ WINHTTP_AUTOPROXY_OPTIONS MakeOptions(const ProxyConfig& config)
 
 } // namespace
 
-CHTTPSessionAutoProxy::CHTTPSessionAutoProxy(ISessionHost& host, std::shared_ptr<ILogger> logger)
-    : CHTTPSessionProxy(host, std::move(logger))
+CHTTPSessionAutoProxy::CHTTPSessionAutoProxy(const ProxyHost& host) : CHTTPSessionProxy(host), m_system(host)
 {
     LogName("CHTTPSessionAutoProxy::CHTTPSessionAutoProxy");
 }
 
-DWORD CHTTPSessionAutoProxy::InitRequest(HINTERNET session, IProxiedRequest& request, const std::wstring& url,
-                                         const ProxyAuthSchemePtr& scheme)
+bool CHTTPSessionAutoProxy::InitRequest(HINTERNET session, HttpRequest& request, const std::wstring& url,
+                                        const ProxyAuthSchemePtr& scheme)
 {
-    const DWORD result = InitProxy(session, request, url);
-    return result != 0 && scheme ? scheme->InitRequest(Host(), request) : result;
+    return InitProxy(session, request, url) && (!scheme || scheme->InitRequest(Host(), request));
 }
 
-DWORD CHTTPSessionAutoProxy::CleanRequest(const ProxyAuthSchemePtr& scheme)
+bool CHTTPSessionAutoProxy::CleanRequest(const ProxyAuthSchemePtr& scheme)
 {
     return CleanWith(scheme, Log("CHTTPSessionAutoProxy::CleanRequest"));
 }
 
-DWORD CHTTPSessionAutoProxy::InitProxy(HINTERNET session, IProxiedRequest& request, const std::wstring& url)
+bool CHTTPSessionAutoProxy::InitProxy(HINTERNET session, HttpRequest& request, const std::wstring& url)
 {
     const OperationLog log = Log("CHTTPSessionAutoProxy::InitProxy");
-    const ProxyConfig& config = Host().Config();
-    if (!IsConsistent(config)) {
-        return 0;
+    if (!IsConsistent(Host().config)) {
+        return false;
     }
-
-    ProxyInfo found;
-    WINHTTP_AUTOPROXY_OPTIONS options = MakeOptions(config);
-    log.Trace("WinHttpGetProxyForUrl() called for " + ToNarrow(url));
-    if (const DWORD error = GetProxyForUrl(session, url, options, found); error != ERROR_SUCCESS) {
-        log.Trace("WinHttpGetProxyForUrl failed: " + WinHttpErrorName(error));
-        if (!TrySystemProxyInfo(session, url, found)) {
-            log.Trace("Setting 'direct' access.");
-            found = {};
-        }
-    }
+    const ProxyInfo found = FindProxy(session, url, log);
     log.Trace("Autoproxy dwAccessType: " + std::to_string(found.accessType));
     log.Trace("Autoproxy lpszProxy: " + TextOrNull(found.proxy));
     log.Trace("Autoproxy lpszProxyBypass: " + TextOrNull(found.bypass));
 
     WINHTTP_PROXY_INFO info{found.accessType, found.proxy.Get(), found.bypass.Get()};
-    const BOOL set = Host().Http().SetOption(request.Handle(), WINHTTP_OPTION_PROXY, &info, sizeof(info));
-    if (!set) {
+    if (!request.SetOption(WINHTTP_OPTION_PROXY, &info, sizeof(info))) {
         const LastErrorKeeper error;
         log.Trace("SetOption failed: " + WinHttpErrorName(error.Error()));
+        return false;
     }
-    return set ? 1 : 0;
+    return true;
 }
 
-DWORD CHTTPSessionAutoProxy::GetProxyForUrl(HINTERNET session, const std::wstring& url,
-                                            WINHTTP_AUTOPROXY_OPTIONS& options, ProxyInfo& info) const
+ProxyInfo CHTTPSessionAutoProxy::FindProxy(HINTERNET session, const std::wstring& url, const OperationLog& log)
 {
-    WINHTTP_PROXY_INFO answer{};
-    if (!Host().Discovery().GetProxyForUrl(session, url.c_str(), options, answer)) {
-        return LastErrorOr(ERROR_WINHTTP_INTERNAL_ERROR);
+    WINHTTP_AUTOPROXY_OPTIONS options = MakeOptions(Host().config);
+    log.Trace("WinHttpGetProxyForUrl() called for " + ToNarrow(url));
+    ProxyAnswer answer = GetProxyForUrl(*Host().calls.discovery, session, url, options);
+    if (answer.error == ERROR_SUCCESS) {
+        return std::move(answer.info);
     }
-    info = {answer.dwAccessType, GlobalText(answer.lpszProxy), GlobalText(answer.lpszProxyBypass)};
-    return ERROR_SUCCESS;
-}
-
-std::string CHTTPSessionAutoProxy::TextOrNull(const GlobalText& text)
-{
-    return text ? ToNarrow(text.Get()) : "<null>";
+    log.Trace("WinHttpGetProxyForUrl failed: " + WinHttpErrorName(answer.error));
+    if (auto found = m_system.TrySystemProxyInfo(session, url)) {
+        return std::move(*found);
+    }
+    log.Trace("Setting 'direct' access.");
+    return {};
 }
 
 } // namespace vantor

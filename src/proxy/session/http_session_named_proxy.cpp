@@ -2,10 +2,9 @@
 
 #include "platform/owner.h"
 #include "platform/text.h"
-#include "proxy/session/name_resolver.h"
+#include "proxy/calls/name_resolver.h"
 
 #include <optional>
-#include <utility>
 
 namespace vantor {
 namespace {
@@ -23,8 +22,7 @@ std::optional<std::uint32_t> Query(INameResolver& resolver, const std::wstring& 
 
 } // namespace
 
-CHTTPSessionNamedProxy::CHTTPSessionNamedProxy(ISessionHost& host, std::shared_ptr<ILogger> logger)
-    : CHTTPSessionProxy(host, std::move(logger))
+CHTTPSessionNamedProxy::CHTTPSessionNamedProxy(const ProxyHost& host) : CHTTPSessionProxy(host)
 {
     LogName("CHTTPSessionNamedProxy::CHTTPSessionNamedProxy");
 }
@@ -34,8 +32,8 @@ HINTERNET CHTTPSessionNamedProxy::Open(std::uint32_t* timeout, std::uint32_t pro
     std::wstring name;
     HINTERNET session = nullptr;
     if (DetermineProxyName(&name)) {
-        session = Host().Http().Open(Host().UserAgent().c_str(), WINHTTP_ACCESS_TYPE_NAMED_PROXY, name.c_str(),
-                                     WINHTTP_NO_PROXY_BYPASS, 0);
+        session = Host().http->Open(Host().userAgent.c_str(), WINHTTP_ACCESS_TYPE_NAMED_PROXY, name.c_str(),
+                                    WINHTTP_NO_PROXY_BYPASS, 0);
         if (!session) {
             const LastErrorKeeper error;
             Log("CHTTPSessionNamedProxy::Open")
@@ -53,7 +51,7 @@ HINTERNET CHTTPSessionNamedProxy::Open(std::uint32_t* timeout, std::uint32_t pro
 bool CHTTPSessionNamedProxy::DetermineProxyName(std::wstring* name) const
 {
     const OperationLog log = Log("CHTTPSessionNamedProxy::DetermineProxyName");
-    const ProxyConfig& config = Host().Config();
+    const ProxyConfig& config = Host().config;
     if (!name) {
         log.Trace("False, proxy address empty");
         return false;
@@ -64,7 +62,7 @@ bool CHTTPSessionNamedProxy::DetermineProxyName(std::wstring* name) const
         return true;
     }
 
-    INameResolver& resolver = Host().Resolver();
+    INameResolver& resolver = *Host().calls.resolver;
     if (const std::string missing = resolver.Missing(); !missing.empty()) {
         log.Error("The proxy's name cannot be resolved: this Windows lacks " + missing);
         return false;

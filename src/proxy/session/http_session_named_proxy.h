@@ -8,7 +8,7 @@ namespace vantor {
 /// Opens with the configured proxy, whose name is first resolved through the configured DNS server when there is one.
 class CHTTPSessionNamedProxy : public CHTTPSessionProxy {
 public:
-    CHTTPSessionNamedProxy(ISessionHost& host, std::shared_ptr<ILogger> logger);
+    explicit CHTTPSessionNamedProxy(const ProxyHost& host);
 
     /// Sets *timeout also when opening fails. A proxy that cannot be resolved is ERROR_WINHTTP_NAME_NOT_RESOLVED.
     HINTERNET Open(std::uint32_t* timeout, std::uint32_t proxyTimeout) override;

@@ -223,15 +223,15 @@ HttpConnection::Attempt HttpConnection::SendAttempt(std::unique_ptr<HttpRequest>
 
     DWORD result = ERROR_SUCCESS;
     ::SetLastError(ERROR_SUCCESS); // a set-up that is refused does not always reach Windows
-    const bool prepared = schemes.InitRequest(m_hSession, *request, L"https://" + m_settings.http.server) != 0;
+    const bool prepared = schemes.InitRequest(m_hSession, *request, L"https://" + m_settings.http.server);
     if (!prepared) {
         result = LastErrorOr(ERROR_WINHTTP_LOGIN_FAILURE);
         log.Error("HttpConnection::SendRequest ProxyManager::InitRequest failed err = " + WinHttpErrorName(result));
     } else {
         result = SendPrepared(*request, headers, body, log);
     }
-    if (const DWORD cleaned = schemes.CleanRequest(); cleaned == 0) {
-        log.Trace("Clean request failed =" + std::to_string(cleaned));
+    if (!schemes.CleanRequest()) {
+        log.Trace("Clean request failed =0");
     }
 
     if (IsUntrusted(*request, result)) {

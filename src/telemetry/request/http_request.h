@@ -1,7 +1,6 @@
 // One HTTP exchange on an open connection.
 #pragma once
 
-#include "proxy/auth/proxied_request.h"
 #include "run/log/operation_log.h"
 #include "telemetry/request/certificate.h"
 #include "telemetry/winhttp/http_interface.h"
@@ -63,13 +62,13 @@ enum class CertificateVerdict {
 
 /// Driven by the connection: open (by the constructor), AddHeaders, Send, ReadResponse. Errors are WinHTTP error
 /// codes, 0 for success, and are logged with their names where they happen. The destructor closes the handle.
-class HttpRequest : public IProxiedRequest {
+class HttpRequest {
 public:
     /// The host outlives the request. objectName is the URL's path, flags are those of WinHttpOpenRequest.
     /// Throws HttpRequestError when the request cannot be opened, also not after a reset of the connection.
     HttpRequest(IRequestHost& host, std::shared_ptr<IHTTP> http, std::shared_ptr<ILogger> logger,
                 const std::wstring& objectName, const std::wstring& verb, DWORD flags);
-    ~HttpRequest() override;
+    ~HttpRequest();
     HttpRequest(const HttpRequest&) = delete;
     HttpRequest& operator=(const HttpRequest&) = delete;
 
@@ -97,14 +96,14 @@ public:
 
     void Close();
 
-    HINTERNET Handle() const override { return m_handle; }
-    DWORD ReportedError() const override { return m_received.value_or(0); }
+    /// The error with which receiving the answer failed; 0 when it did not fail, or was not tried.
+    DWORD ReportedError() const { return m_received.value_or(0); }
 
-    /// A send that failed because the logon was refused counts as the proxy's 407 also when WinHTTP kept no answer.
-    DWORD QueryStatusCode(DWORD& status) override;
-    BOOL QueryAuthSchemes(DWORD& supportedSchemes, DWORD& firstScheme, DWORD& authTarget) override;
-    BOOL SetCredentials(DWORD authTarget, DWORD authScheme, const wchar_t* userName, const wchar_t* password) override;
-    BOOL SetOption(DWORD option, void* buffer, DWORD length) override;
+    /// Queries the answer's status code (WINHTTP_QUERY_STATUS_CODE as a number). A send that failed because the logon was refused counts as the proxy's 407 also when WinHTTP kept no answer.
+    DWORD QueryStatusCode(DWORD& status);
+    BOOL QueryAuthSchemes(DWORD& supportedSchemes, DWORD& firstScheme, DWORD& authTarget);
+    BOOL SetCredentials(DWORD authTarget, DWORD authScheme, const wchar_t* userName, const wchar_t* password);
+    BOOL SetOption(DWORD option, void* buffer, DWORD length);
 
 private:
     OperationLog Log(const char* operation) const { return {m_logger, operation}; }

@@ -64,29 +64,29 @@ TEST_F(ProxyTest, InconsistentDiscoveryIsRefusedWithoutAskingWindows)
         m_discovery->calls.clear();
         m_http->calls.clear();
         m_manager.InitConfig({.m_wpadFlags = flags, .m_wpadDetectFlags = detectFlags, .m_wpadConfigUrl = url});
-        EXPECT_EQ(InitRequest() == 0, *asked == '\0') << flags << " " << detectFlags;
+        EXPECT_EQ(!InitRequest(), *asked == '\0') << flags << " " << detectFlags;
         EXPECT_EQ(m_discovery->calls, asked);
         EXPECT_EQ(m_http->calls, *asked ? "SetOption 38 3 p -;" : "");
     }
     m_http->errors["SetOption 38"] = {12009};
-    EXPECT_EQ(InitRequest(), 0u);
+    EXPECT_FALSE(InitRequest());
     EXPECT_TRUE(AutoLogged("InitProxy: SetOption failed: ERROR_WINHTTP_INVALID_OPTION"));
 }
 
 TEST_F(ProxyTest, SessionsWithAndWithoutAScheme)
 {
     m_manager.InitConfig({});
-    EXPECT_EQ(m_manager.InitRequest(nullptr, m_request, L"u", nullptr), 1u);
-    EXPECT_EQ(m_manager.CleanRequest(nullptr), 1u);
+    EXPECT_TRUE(m_manager.InitRequest(nullptr, m_request, L"u", nullptr));
+    EXPECT_TRUE(m_manager.CleanRequest(nullptr));
     EXPECT_FALSE(Logged("T CHTTPSession::InitRequest: False, authScheme null."));
-    EXPECT_EQ(InitRequest(), 1u);
-    EXPECT_EQ(m_manager.CleanRequest(m_none), 1u);
+    EXPECT_TRUE(InitRequest());
+    EXPECT_TRUE(m_manager.CleanRequest(m_none));
     EXPECT_TRUE(Logged("T CHTTPSession::InitRequest: False, authScheme null."));
     EXPECT_TRUE(Logged("T CHTTPSession::CleanRequest: False, authScheme null."));
 
     m_manager.InitConfig(AutoProxy());
-    EXPECT_NE(m_manager.InitRequest(nullptr, m_request, L"u", nullptr), 0u);
-    EXPECT_EQ(m_manager.CleanRequest(nullptr), 0u);
+    EXPECT_TRUE(m_manager.InitRequest(nullptr, m_request, L"u", nullptr));
+    EXPECT_FALSE(m_manager.CleanRequest(nullptr));
     EXPECT_TRUE(Logged("T CHTTPSessionAutoProxy::CleanRequest: False, authScheme null."));
 
     m_http->errors["Open"] = {12001};
@@ -95,8 +95,8 @@ TEST_F(ProxyTest, SessionsWithAndWithoutAScheme)
 
     CHTTPProxyManager without(nullptr, Windows(), m_log, L"Agent");
     without.InitConfig(AutoProxy());
-    EXPECT_EQ(without.InitRequest(nullptr, m_request, L"u", m_none), 0u);
-    EXPECT_EQ(without.CleanRequest(m_none), 0u);
+    EXPECT_FALSE(without.InitRequest(nullptr, m_request, L"u", m_none));
+    EXPECT_FALSE(without.CleanRequest(m_none));
 }
 
 /// Detection never answers: the system is asked.
@@ -111,7 +111,7 @@ protected:
     std::string Request(CHTTPProxyManager& manager)
     {
         m_http->calls.clear();
-        EXPECT_NE(manager.InitRequest(nullptr, m_request, L"https://h", m_none), 0u);
+        EXPECT_TRUE(manager.InitRequest(nullptr, m_request, L"https://h", m_none));
         return m_http->calls;
     }
 

@@ -1,4 +1,4 @@
-#include "proxy/user/token_calls.h"
+#include "proxy/calls/token_calls.h"
 
 #include "platform/modules/module.h"
 

@@ -1,4 +1,4 @@
-#include "proxy/session/proxy_discovery.h"
+#include "proxy/calls/proxy_discovery.h"
 
 #include "platform/modules/winhttp.h"
 

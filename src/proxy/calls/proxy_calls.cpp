@@ -1,8 +1,8 @@
-#include "proxy/proxy_calls.h"
+#include "proxy/calls/proxy_calls.h"
 
-#include "proxy/session/name_resolver.h"
-#include "proxy/session/proxy_discovery.h"
-#include "proxy/user/token_calls.h"
+#include "proxy/calls/name_resolver.h"
+#include "proxy/calls/proxy_discovery.h"
+#include "proxy/calls/token_calls.h"
 
 namespace vantor {
 

@@ -1,6 +1,6 @@
 #include <winsock2.h> // before any other header that brings in windows.h
 
-#include "proxy/session/name_resolver.h"
+#include "proxy/calls/name_resolver.h"
 
 #include "platform/modules/dnsapi.h"
 #include "platform/modules/ws2_32.h"

@@ -1,0 +1,114 @@
+#include "proxy/user/logged_on_user.h"
+
+#include "platform/registry.h"
+#include "platform/text.h"
+#include "proxy/user/shell_names.h"
+#include "run/log/operation_log.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace vantor {
+namespace {
+
+using Logger = std::shared_ptr<ILogger>;
+
+std::vector<std::string> ReadShellNames()
+{
+    const auto winlogon = RegistryKey::OpenForReading(L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon");
+    const auto shell = winlogon ? winlogon->QueryWholeText(L"Shell") : std::nullopt;
+    return ShellNames(shell ? ToNarrow(*shell) : "Explorer.exe");
+}
+
+/// Logs a failed call with the last error, which stays.
+KernelHandle Fail(const OperationLog& log, const std::string& message)
+{
+    const LastErrorKeeper error;
+    log.Trace(message + std::to_string(error.Error()));
+    return {};
+}
+
+std::string Hexadecimal(DWORD number)
+{
+    char text[2 * sizeof(number) + 1];
+    std::snprintf(text, sizeof(text), "%lx", static_cast<unsigned long>(number));
+    return text;
+}
+
+/// The identifier of the first process that has one of the names.
+std::optional<DWORD> IsAnyProcessRunning(ITokenCalls& tokens, const std::vector<std::string>& names,
+                                         const Logger& logger)
+{
+    const ProcessList list = tokens.ListProcesses();
+    if (list.failedCall) {
+        OperationLog(logger, "CHTTPSessionAutoProxy::IsAnyProcessRunning")
+            .Trace(std::string(list.failedCall) + "() returns unexpected code " + std::to_string(list.error));
+    }
+    const auto found = std::ranges::find_if(list.entries, [&names](const ProcessEntry& entry) {
+        return std::ranges::find(names, entry.name) != names.end();
+    });
+    return found != list.entries.end() ? std::optional(found->id) : std::nullopt;
+}
+
+/// The token of the logged-on user's shell.
+KernelHandle GetExplorersToken(ITokenCalls& tokens, const Logger& logger)
+{
+    const OperationLog log(logger, "CHTTPSessionAutoProxy::GetExplorersToken");
+    const std::optional<DWORD> id = IsAnyProcessRunning(tokens, ReadShellNames(), logger);
+    if (!id) {
+        log.Trace("Failed to get any running process with ShellExeNames");
+        return {};
+    }
+    const KernelHandle process = tokens.OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, *id);
+    if (!process) {
+        return Fail(log, "OpenProcess() failed for PID:0x" + Hexadecimal(*id) + " Err : ");
+    }
+    KernelHandle user = tokens.OpenProcessToken(process.Get(), TOKEN_ASSIGN_PRIMARY | TOKEN_DUPLICATE | TOKEN_QUERY);
+    if (!user) {
+        return Fail(log, "OpenProcessToken() failed for PID: 0x" + Hexadecimal(*id) + " Err : ");
+    }
+    log.Trace("Using shell process token to impersonate");
+    return user;
+}
+
+/// This account's token, without its privileges.
+KernelHandle GetSaferToken(ITokenCalls& tokens, const Logger& logger)
+{
+    const OperationLog log(logger, "CHTTPSessionAutoProxy::GetSaferToken");
+    SAFER_LEVEL_HANDLE level = nullptr;
+    if (!tokens.SaferCreateLevel(SAFER_SCOPEID_USER, SAFER_LEVELID_NORMALUSER, SAFER_LEVEL_OPEN, level)) {
+        return Fail(log, "SaferCreateLevel() failed. Err: ");
+    }
+    KernelHandle user = tokens.SaferComputeTokenFromLevel(level);
+    {
+        const LastErrorKeeper keeper;
+        tokens.SaferCloseLevel(level);
+    }
+    if (!user) {
+        return Fail(log, "SaferComputeTokenFromLevel() failed. Error: ");
+    }
+    log.Trace("Using 'safer' token to impersonate i.e. no shell processes found. Possibly no logged on user.");
+    return user;
+}
+
+} // namespace
+
+KernelHandle DiscoverUserToImpersonate(ITokenCalls& tokens, const std::shared_ptr<ILogger>& logger)
+{
+    if (KernelHandle user = GetExplorersToken(tokens, logger)) {
+        return user;
+    }
+    KernelHandle user = GetSaferToken(tokens, logger);
+    if (!user) {
+        const LastErrorKeeper keeper;
+        OperationLog(logger, "CHTTPSessionAutoProxy::DiscoverUserToImpersonate")
+            .Trace("Unable to read manual system proxy because failed to get explorer token and normal user level "
+                   "token");
+    }
+    return user;
+}
+
+} // namespace vantor
