@@ -70,7 +70,7 @@ TEST_F(ProxyTest, TheQueueNamesEachMatchingSchemeOnceForEachOfferedOne)
     };
     for (const auto& row : kCases) {
         m_http->calls.clear();
-        m_http->proxySchemes = row.offered;
+        m_http->proxy.offers = row.offered;
         const auto list = listFor(row.configured);
         for (int attempt = 0; attempt < 7; ++attempt) {
             list->InitRequest(nullptr, m_request, L"u");

@@ -41,37 +41,22 @@ CHTTPProxyAuthNone::CHTTPProxyAuthNone(std::shared_ptr<ILogger> logger)
 }
 
 CHTTPProxyAuthBasic::CHTTPProxyAuthBasic(std::shared_ptr<ILogger> logger)
-    : CHTTPProxyAuthScheme(std::move(logger), WINHTTP_AUTH_SCHEME_BASIC, "CHTTPProxyAuthBasic::CHTTPProxyAuthBasic",
-                           "Proxy Authentication scheme = WINHTTP_AUTH_SCHEME_BASIC")
+    : CHTTPProxyAuthByPassword(std::move(logger), WINHTTP_AUTH_SCHEME_BASIC, "CHTTPProxyAuthBasic::CHTTPProxyAuthBasic",
+                               "Proxy Authentication scheme = WINHTTP_AUTH_SCHEME_BASIC")
 {
-}
-
-bool CHTTPProxyAuthBasic::InitRequest(const ProxyHost& host, HttpRequest& request)
-{
-    return SetCredentials(host, request);
 }
 
 CHTTPProxyAuthNTLM::CHTTPProxyAuthNTLM(std::shared_ptr<ILogger> logger)
-    : CHTTPProxyAuthScheme(std::move(logger), WINHTTP_AUTH_SCHEME_NTLM, "CHTTPProxyAuthNTLM::CHTTPProxyAuthNTLM",
-                           "Proxy Authentication scheme = WINHTTP_AUTH_SCHEME_NTLM")
+    : CHTTPProxyAuthByPassword(std::move(logger), WINHTTP_AUTH_SCHEME_NTLM, "CHTTPProxyAuthNTLM::CHTTPProxyAuthNTLM",
+                               "Proxy Authentication scheme = WINHTTP_AUTH_SCHEME_NTLM")
 {
-}
-
-bool CHTTPProxyAuthNTLM::InitRequest(const ProxyHost& host, HttpRequest& request)
-{
-    return SetCredentials(host, request);
 }
 
 CHTTPProxyAuthKerberos::CHTTPProxyAuthKerberos(std::shared_ptr<ILogger> logger)
-    : CHTTPProxyAuthScheme(std::move(logger), WINHTTP_AUTH_SCHEME_NEGOTIATE,
-                           "CHTTPProxyAuthKerberos::CHTTPProxyAuthKerberos",
-                           "Proxy Authentication Scheme = WINHTTP_AUTH_SCHEME_NEGOTIATE")
+    : CHTTPProxyAuthByPassword(std::move(logger), WINHTTP_AUTH_SCHEME_NEGOTIATE,
+                               "CHTTPProxyAuthKerberos::CHTTPProxyAuthKerberos",
+                               "Proxy Authentication Scheme = WINHTTP_AUTH_SCHEME_NEGOTIATE")
 {
-}
-
-bool CHTTPProxyAuthKerberos::InitRequest(const ProxyHost& host, HttpRequest& request)
-{
-    return SetCredentials(host, request);
 }
 
 } // namespace vantor

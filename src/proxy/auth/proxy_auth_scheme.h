@@ -41,25 +41,31 @@ public:
     explicit CHTTPProxyAuthNone(std::shared_ptr<ILogger> logger);
 };
 
+/// Base of the schemes that set the configured user name and password.
+class CHTTPProxyAuthByPassword : public CHTTPProxyAuthScheme {
+public:
+    bool InitRequest(const ProxyHost& host, HttpRequest& request) override { return SetCredentials(host, request); }
+
+protected:
+    using CHTTPProxyAuthScheme::CHTTPProxyAuthScheme;
+};
+
 /// REP_PROXY_AUTH_SCHEME_BASIC with the configured credentials.
-class CHTTPProxyAuthBasic : public CHTTPProxyAuthScheme {
+class CHTTPProxyAuthBasic : public CHTTPProxyAuthByPassword {
 public:
     explicit CHTTPProxyAuthBasic(std::shared_ptr<ILogger> logger);
-    bool InitRequest(const ProxyHost& host, HttpRequest& request) override;
 };
 
 /// REP_PROXY_AUTH_SCHEME_NTLM with the configured credentials.
-class CHTTPProxyAuthNTLM : public CHTTPProxyAuthScheme {
+class CHTTPProxyAuthNTLM : public CHTTPProxyAuthByPassword {
 public:
     explicit CHTTPProxyAuthNTLM(std::shared_ptr<ILogger> logger);
-    bool InitRequest(const ProxyHost& host, HttpRequest& request) override;
 };
 
 /// REP_PROXY_AUTH_SCHEME_KERBEROS with the configured credentials.
-class CHTTPProxyAuthKerberos : public CHTTPProxyAuthScheme {
+class CHTTPProxyAuthKerberos : public CHTTPProxyAuthByPassword {
 public:
     explicit CHTTPProxyAuthKerberos(std::shared_ptr<ILogger> logger);
-    bool InitRequest(const ProxyHost& host, HttpRequest& request) override;
 };
 
 } // namespace vantor

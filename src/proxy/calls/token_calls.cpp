@@ -2,6 +2,8 @@
 
 #include "platform/modules/module.h"
 
+#include <array>
+
 namespace vantor {
 namespace {
 
@@ -13,17 +15,17 @@ constexpr UINT kExitCode = 3;
 void WindowsTokenCalls::LoadModules()
 {
     // What WinHTTP binds on first use: for names, addresses and routes, for detection (by DHCP as well) and scripts
-    // (newer systems run those in a service of their own), and for TLS and logons, since the current-user scheme sends
+    // (where those cannot be run outside this process), and for TLS and logons, since the current-user scheme sends
     // as the user. A Windows that lacks one of them does not need it either.
-    for (const wchar_t* const module : {L"winhttp.dll",    L"webio.dll",    L"OnDemandConnRouteHelper.dll",
-                                        L"ws2_32.dll",     L"mswsock.dll",  L"dnsapi.dll",
-                                        L"rasadhlp.dll",   L"fwpuclnt.dll", L"nlaapi.dll",
-                                        L"iphlpapi.dll",   L"winnsi.dll",   L"dhcpcsvc.dll",
-                                        L"dhcpcsvc6.dll",  L"jsproxy.dll",  L"secur32.dll",
-                                        L"sspicli.dll",    L"msv1_0.dll",   L"kerberos.dll",
-                                        L"schannel.dll",   L"bcrypt.dll",   L"ncrypt.dll",
-                                        L"ncryptsslp.dll", L"crypt32.dll",  L"cryptnet.dll",
-                                        L"rsaenh.dll"}) {
+    for (const wchar_t* const module : {L"winhttp.dll",   L"webio.dll",      L"OnDemandConnRouteHelper.dll",
+                                        L"ws2_32.dll",    L"mswsock.dll",    L"dnsapi.dll",
+                                        L"rasadhlp.dll",  L"fwpuclnt.dll",   L"nlaapi.dll",
+                                        L"iphlpapi.dll",  L"winnsi.dll",     L"dhcpcsvc.dll",
+                                        L"dhcpcsvc6.dll", L"jsproxy.dll",    L"jscript.dll",
+                                        L"secur32.dll",   L"sspicli.dll",    L"msv1_0.dll",
+                                        L"kerberos.dll",  L"schannel.dll",   L"bcrypt.dll",
+                                        L"ncrypt.dll",    L"ncryptsslp.dll", L"crypt32.dll",
+                                        L"cryptnet.dll",  L"rsaenh.dll"}) {
         LoadSystemModule(module);
     }
 }
@@ -68,6 +70,26 @@ KernelHandle WindowsTokenCalls::OpenProcessToken(HANDLE process, DWORD access)
     KernelHandle token;
     ::OpenProcessToken(process, access, token.Receive());
     return token;
+}
+
+DWORD WindowsTokenCalls::ActiveConsoleSession()
+{
+    return ::WTSGetActiveConsoleSessionId();
+}
+
+DWORD WindowsTokenCalls::SessionOf(DWORD processId)
+{
+    DWORD session = kNoSession;
+    ::ProcessIdToSessionId(processId, &session);
+    return session;
+}
+
+bool WindowsTokenCalls::IsSystem(HANDLE token)
+{
+    alignas(TOKEN_USER) std::array<BYTE, sizeof(TOKEN_USER) + SECURITY_MAX_SID_SIZE> user{};
+    DWORD size = 0;
+    return ::GetTokenInformation(token, TokenUser, user.data(), static_cast<DWORD>(user.size()), &size) &&
+           ::IsWellKnownSid(reinterpret_cast<const TOKEN_USER*>(user.data())->User.Sid, WinLocalSystemSid);
 }
 
 BOOL WindowsTokenCalls::SaferCreateLevel(DWORD scope, DWORD level, DWORD flags, SAFER_LEVEL_HANDLE& handle)

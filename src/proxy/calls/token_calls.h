@@ -10,6 +10,8 @@
 
 namespace vantor {
 
+inline constexpr DWORD kNoSession = 0xFFFFFFFF;
+
 /// Each operation forwards to the Windows function of its name and leaves the last-error value as Windows set it.
 /// Handles come back with their owner; an empty one means failure.
 class ITokenCalls {
@@ -32,6 +34,15 @@ public:
     virtual KernelHandle OpenProcess(DWORD access, DWORD processId) = 0;
     virtual KernelHandle OpenProcessToken(HANDLE process, DWORD access) = 0;
 
+    /// WTSGetActiveConsoleSessionId: the session at the machine's own screen; kNoSession: there is none just now.
+    virtual DWORD ActiveConsoleSession() = 0;
+
+    /// ProcessIdToSessionId; kNoSession: the process is gone.
+    virtual DWORD SessionOf(DWORD processId) = 0;
+
+    /// Whether the token is the local system account's (GetTokenInformation, IsWellKnownSid).
+    virtual bool IsSystem(HANDLE token) = 0;
+
     virtual BOOL SaferCreateLevel(DWORD scope, DWORD level, DWORD flags, SAFER_LEVEL_HANDLE& handle) = 0;
     /// From the token of the thread or the process, without flags.
     virtual KernelHandle SaferComputeTokenFromLevel(SAFER_LEVEL_HANDLE level) = 0;
@@ -52,6 +63,9 @@ public:
     ProcessList ListProcesses() override;
     KernelHandle OpenProcess(DWORD access, DWORD processId) override;
     KernelHandle OpenProcessToken(HANDLE process, DWORD access) override;
+    DWORD ActiveConsoleSession() override;
+    DWORD SessionOf(DWORD processId) override;
+    bool IsSystem(HANDLE token) override;
     BOOL SaferCreateLevel(DWORD scope, DWORD level, DWORD flags, SAFER_LEVEL_HANDLE& handle) override;
     KernelHandle SaferComputeTokenFromLevel(SAFER_LEVEL_HANDLE level) override;
     BOOL SaferCloseLevel(SAFER_LEVEL_HANDLE level) override;

@@ -35,6 +35,8 @@ inline bool UsesProxy(const ProxyConfig& config)
 enum ProxyAuthScheme : std::uint32_t {
     REP_PROXY_AUTH_SCHEME_NONE = 0,
     REP_PROXY_AUTH_SCHEME_BASIC = 1,
+    /// Succeeds on no Windows: requests are opened with automatic logon at its highest level, where WinHTTP sends nobody's
+    /// logon unasked. No option of the program configures it.
     REP_PROXY_AUTH_SCHEME_CURRENT_USER = 2,
     REP_PROXY_AUTH_SCHEME_NTLM = 3,
     REP_PROXY_AUTH_SCHEME_KERBEROS = 4,

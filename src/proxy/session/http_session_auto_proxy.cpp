@@ -24,7 +24,9 @@ WINHTTP_AUTOPROXY_OPTIONS MakeOptions(const ProxyConfig& config)
 {
     WINHTTP_AUTOPROXY_OPTIONS options{};
     options.dwFlags = config.m_wpadFlags;
-    options.dwAutoDetectFlags = config.m_wpadDetectFlags & kDetectFlags;
+    if (config.m_wpadFlags & WINHTTP_AUTOPROXY_AUTO_DETECT) { // they must be 0 otherwise
+        options.dwAutoDetectFlags = config.m_wpadDetectFlags & kDetectFlags;
+    }
     options.lpszAutoConfigUrl = config.m_wpadConfigUrl.empty() ? nullptr : config.m_wpadConfigUrl.c_str();
     options.fAutoLogonIfChallenged = config.m_wpadAutoLogon;
     return options;
@@ -59,7 +61,8 @@ bool CHTTPSessionAutoProxy::InitProxy(HINTERNET session, HttpRequest& request, c
     log.Trace("Autoproxy lpszProxy: " + TextOrNull(found.proxy));
     log.Trace("Autoproxy lpszProxyBypass: " + TextOrNull(found.bypass));
 
-    WINHTTP_PROXY_INFO info{found.accessType, found.proxy.Get(), found.bypass.Get()};
+    const bool hasBypass = found.bypass && *found.bypass.Get() != L'\0'; // WinHTTP takes none, but no empty one
+    WINHTTP_PROXY_INFO info{found.accessType, found.proxy.Get(), hasBypass ? found.bypass.Get() : nullptr};
     if (!request.SetOption(WINHTTP_OPTION_PROXY, &info, sizeof(info))) {
         const LastErrorKeeper error;
         log.Trace("SetOption failed: " + WinHttpErrorName(error.Error()));
@@ -70,7 +73,7 @@ bool CHTTPSessionAutoProxy::InitProxy(HINTERNET session, HttpRequest& request, c
 
 ProxyInfo CHTTPSessionAutoProxy::FindProxy(HINTERNET session, const std::wstring& url, const OperationLog& log)
 {
-    WINHTTP_AUTOPROXY_OPTIONS options = MakeOptions(Host().config);
+    const WINHTTP_AUTOPROXY_OPTIONS options = MakeOptions(Host().config);
     log.Trace("WinHttpGetProxyForUrl() called for " + ToNarrow(url));
     ProxyAnswer answer = GetProxyForUrl(*Host().calls.discovery, session, url, options);
     if (answer.error == ERROR_SUCCESS) {

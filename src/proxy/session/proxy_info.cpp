@@ -36,14 +36,23 @@ std::string TextOrNull(const GlobalText& text)
 }
 
 ProxyAnswer GetProxyForUrl(IProxyDiscovery& discovery, HINTERNET session, const std::wstring& url,
-                           WINHTTP_AUTOPROXY_OPTIONS& options)
+                           const WINHTTP_AUTOPROXY_OPTIONS& options)
 {
     WINHTTP_PROXY_INFO answer{};
-    if (!discovery.GetProxyForUrl(session, url.c_str(), options, answer)) {
-        return {LastErrorOr(ERROR_WINHTTP_INTERNAL_ERROR)};
+    DWORD error = ERROR_SUCCESS;
+    for (const DWORD where : {DWORD{WINHTTP_AUTOPROXY_RUN_OUTPROCESS_ONLY}, DWORD{0}}) {
+        WINHTTP_AUTOPROXY_OPTIONS asked = options;
+        asked.dwFlags |= where;
+        const BOOL found = discovery.GetProxyForUrl(session, url.c_str(), asked, answer);
+        error = found ? ERROR_SUCCESS : LastErrorOr(ERROR_WINHTTP_INTERNAL_ERROR);
+        if (error != ERROR_INVALID_PARAMETER) { // as a Windows refuses a flag that it does not know
+            break;
+        }
     }
-    return {ERROR_SUCCESS,
-            {answer.dwAccessType, GlobalText(answer.lpszProxy), GlobalText(answer.lpszProxyBypass)}};
+    if (error != ERROR_SUCCESS) {
+        return {error};
+    }
+    return {ERROR_SUCCESS, {answer.dwAccessType, GlobalText(answer.lpszProxy), GlobalText(answer.lpszProxyBypass)}};
 }
 
 } // namespace vantor

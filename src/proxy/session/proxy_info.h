@@ -27,8 +27,9 @@ ProxyInfo Copy(const ProxyInfo& info);
 /// The text for the log, "<null>" for none.
 std::string TextOrNull(const GlobalText& text);
 
-/// WinHttpGetProxyForUrl.
+/// WinHttpGetProxyForUrl, with scripts run outside this process, since whoever answers the search for them may have
+/// written them; where this Windows does not know that, inside.
 ProxyAnswer GetProxyForUrl(IProxyDiscovery& discovery, HINTERNET session, const std::wstring& url,
-                           WINHTTP_AUTOPROXY_OPTIONS& options);
+                           const WINHTTP_AUTOPROXY_OPTIONS& options);
 
 } // namespace vantor

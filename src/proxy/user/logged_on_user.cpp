@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -38,40 +37,60 @@ std::string Hexadecimal(DWORD number)
     return text;
 }
 
-/// The identifier of the first process that has one of the names.
-std::optional<DWORD> IsAnyProcessRunning(ITokenCalls& tokens, const std::vector<std::string>& names,
-                                         const Logger& logger)
+/// The identifiers of the processes that have one of the names, those of the session at the machine's screen first:
+/// elsewhere users may be disconnected.
+std::vector<DWORD> IsAnyProcessRunning(ITokenCalls& tokens, const std::vector<std::string>& names, const Logger& logger)
 {
     const ProcessList list = tokens.ListProcesses();
     if (list.failedCall) {
         OperationLog(logger, "CHTTPSessionAutoProxy::IsAnyProcessRunning")
             .Trace(std::string(list.failedCall) + "() returns unexpected code " + std::to_string(list.error));
     }
-    const auto found = std::ranges::find_if(list.entries, [&names](const ProcessEntry& entry) {
-        return std::ranges::find(names, entry.name) != names.end();
-    });
-    return found != list.entries.end() ? std::optional(found->id) : std::nullopt;
+    std::vector<DWORD> ids;
+    for (const ProcessEntry& entry : list.entries) {
+        if (std::ranges::find(names, entry.name) != names.end()) {
+            ids.push_back(entry.id);
+        }
+    }
+    const DWORD console = tokens.ActiveConsoleSession();
+    std::ranges::stable_partition(ids,
+                                  [&](DWORD id) { return console != kNoSession && tokens.SessionOf(id) == console; });
+    return ids;
+}
+
+/// The token of a shell's user; empty when it cannot be had.
+KernelHandle GetShellToken(ITokenCalls& tokens, DWORD id, const OperationLog& log)
+{
+    const KernelHandle process = tokens.OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, id);
+    if (!process) {
+        return Fail(log, "OpenProcess() failed for PID:0x" + Hexadecimal(id) + " Err : ");
+    }
+    KernelHandle user = tokens.OpenProcessToken(process.Get(), TOKEN_ASSIGN_PRIMARY | TOKEN_DUPLICATE | TOKEN_QUERY);
+    if (!user) {
+        return Fail(log, "OpenProcessToken() failed for PID: 0x" + Hexadecimal(id) + " Err : ");
+    }
+    if (tokens.IsSystem(user.Get())) { // where no desktop is installed, the shell is cmd.exe, which services run, too
+        log.Trace("Passed over, since SYSTEM is no logged-on user: PID:0x" + Hexadecimal(id));
+        return {};
+    }
+    return user;
 }
 
 /// The token of the logged-on user's shell.
 KernelHandle GetExplorersToken(ITokenCalls& tokens, const Logger& logger)
 {
     const OperationLog log(logger, "CHTTPSessionAutoProxy::GetExplorersToken");
-    const std::optional<DWORD> id = IsAnyProcessRunning(tokens, ReadShellNames(), logger);
-    if (!id) {
+    const std::vector<DWORD> ids = IsAnyProcessRunning(tokens, ReadShellNames(), logger);
+    if (ids.empty()) {
         log.Trace("Failed to get any running process with ShellExeNames");
-        return {};
     }
-    const KernelHandle process = tokens.OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, *id);
-    if (!process) {
-        return Fail(log, "OpenProcess() failed for PID:0x" + Hexadecimal(*id) + " Err : ");
+    for (const DWORD id : ids) {
+        if (KernelHandle user = GetShellToken(tokens, id, log)) {
+            log.Trace("Using shell process token to impersonate");
+            return user;
+        }
     }
-    KernelHandle user = tokens.OpenProcessToken(process.Get(), TOKEN_ASSIGN_PRIMARY | TOKEN_DUPLICATE | TOKEN_QUERY);
-    if (!user) {
-        return Fail(log, "OpenProcessToken() failed for PID: 0x" + Hexadecimal(*id) + " Err : ");
-    }
-    log.Trace("Using shell process token to impersonate");
-    return user;
+    return {};
 }
 
 /// This account's token, without its privileges.

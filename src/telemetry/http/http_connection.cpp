@@ -16,15 +16,12 @@ bool IsConnectFailure(DWORD error)
     return error == ERROR_WINHTTP_TIMEOUT || error == ERROR_WINHTTP_CANNOT_CONNECT;
 }
 
-/// Whether the request, sent with this result, reached a server that is not to be trusted. Without a certificate there
-/// was none to judge when the send failed, or when a proxy asked for authentication instead of building the tunnel.
-bool IsUntrusted(HttpRequest& request, DWORD sent)
+/// Whether there was a certificate that is refused, or a good answer that no certificate vouches for. Without either, the
+/// send or the receive says why no server was reached, or the status of the proxy that did not build the tunnel.
+bool IsUntrusted(const Exchange& exchange)
 {
-    if (sent != ERROR_SUCCESS || request.Verdict() != CertificateVerdict::unknown) {
-        return request.Verdict() == CertificateVerdict::rejected;
-    }
-    DWORD status = 0;
-    return request.QueryStatusCode(status) != ERROR_SUCCESS || status != HTTP_STATUS_PROXY_AUTH_REQ;
+    const bool isGood = exchange.status >= HTTP_STATUS_OK && exchange.status < HTTP_STATUS_AMBIGUOUS;
+    return exchange.verdict == CertificateVerdict::rejected || isGood;
 }
 
 void LogInvalidCertificate(CertificateVerdict verdict, bool isAnyPinned, const OperationLog& log)
@@ -221,52 +218,56 @@ HttpConnection::Attempt HttpConnection::SendAttempt(std::unique_ptr<HttpRequest>
         return {error.Code(), false};
     }
 
-    DWORD result = ERROR_SUCCESS;
+    Exchange exchange;
     ::SetLastError(ERROR_SUCCESS); // a set-up that is refused does not always reach Windows
     const bool prepared = schemes.InitRequest(m_hSession, *request, L"https://" + m_settings.http.server);
     if (!prepared) {
-        result = LastErrorOr(ERROR_WINHTTP_LOGIN_FAILURE);
-        log.Error("HttpConnection::SendRequest ProxyManager::InitRequest failed err = " + WinHttpErrorName(result));
+        exchange.error = LastErrorOr(ERROR_WINHTTP_LOGIN_FAILURE);
+        log.Error("HttpConnection::SendRequest ProxyManager::InitRequest failed err = " +
+                  WinHttpErrorName(exchange.error));
     } else {
-        result = SendPrepared(*request, headers, body, log);
+        exchange = SendPrepared(*request, headers, body, log);
     }
     if (!schemes.CleanRequest()) {
         log.Trace("Clean request failed =0");
     }
 
-    if (IsUntrusted(*request, result)) {
-        LogInvalidCertificate(request->Verdict(), !m_settings.pinnedCertificates.empty(), log);
+    if (IsUntrusted(exchange)) {
+        LogInvalidCertificate(exchange.verdict, !m_settings.pinnedCertificates.empty(), log);
         return {ERROR_WINHTTP_SECURE_FAILURE, false};
+    }
+    if (exchange.status != 0 && exchange.status != HTTP_STATUS_PROXY_AUTH_REQ) {
+        log.Error("The proxy did not build the tunnel to the service: it answered with status " +
+                  std::to_string(exchange.status) + '.');
     }
     if (prepared) { // otherwise there is no answer to learn from, and the queue goes on as it is
         schemes.FindNextAuthenticationScheme(*request);
     }
-    return {result, schemes.WantsAnotherAttempt()};
+    return {exchange.error, schemes.WantsAnotherAttempt()};
 }
 
-DWORD HttpConnection::SendPrepared(HttpRequest& request, const HttpHeaders& headers,
-                                   std::optional<std::string_view> body, const OperationLog& log)
+Exchange HttpConnection::SendPrepared(HttpRequest& request, const HttpHeaders& headers,
+                                      std::optional<std::string_view> body, const OperationLog& log)
 {
-    constexpr int kMostSends = 4; // on Windows a logon of several steps (NTLM) can ask for the whole request again
-
     const std::string_view data = body.value_or("");
     bool certificateValid = false; // the verdict says more
     bool retry = false;
-    DWORD result = request.AddHeaders(headers);
-    for (int sends = 0; result == ERROR_SUCCESS && sends < kMostSends; ++sends) {
-        result = request.Send({}, data, static_cast<DWORD>(data.size()), certificateValid, retry);
-        if (request.Verdict() == CertificateVerdict::rejected) {
-            break; // receiving would answer the challenges of whoever this is, and could send the body once more
-        }
-        // The answer is remembered: it may be the proxy's challenge, and is read later otherwise.
-        if (result == ERROR_SUCCESS && request.AcceptResponse() != ERROR_WINHTTP_RESEND_REQUEST) {
-            return result;
+    DWORD error = request.AddHeaders(headers);
+    for (bool again = error == ERROR_SUCCESS; again;) {
+        error = request.Send({}, data, static_cast<DWORD>(data.size()), certificateValid, retry);
+        // Receiving would answer the challenges of whoever has a certificate that is refused, and could send the body
+        // once more. The answer is remembered: it may be the proxy's challenge, and is read later otherwise.
+        again = error == ERROR_SUCCESS && request.Verdict() != CertificateVerdict::rejected &&
+                request.AcceptResponse() == ERROR_WINHTTP_RESEND_REQUEST && request.MaySendAgain();
+        if (again) {
+            log.Trace("ERROR_WINHTTP_RESEND_REQUEST, retry");
         }
     }
-    if (result != ERROR_SUCCESS) {
-        log.Error("HTTPRequest::Send() failed: " + NamedWinHttpError(result));
+    if (error != ERROR_SUCCESS) {
+        log.Error("HTTPRequest::Send() failed: " + NamedWinHttpError(error));
+        return {error, request.Verdict()};
     }
-    return result;
+    return request.Outcome();
 }
 
 } // namespace vantor

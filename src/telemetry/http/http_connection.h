@@ -89,8 +89,8 @@ private:
     Attempt SendAttempt(std::unique_ptr<HttpRequest>& request, C_HTTPProxyAuthListManager& schemes,
                         const HttpTarget& target, const HttpHeaders& headers, std::optional<std::string_view> body,
                         const OperationLog& log);
-    DWORD SendPrepared(HttpRequest& request, const HttpHeaders& headers, std::optional<std::string_view> body,
-                       const OperationLog& log);
+    Exchange SendPrepared(HttpRequest& request, const HttpHeaders& headers, std::optional<std::string_view> body,
+                          const OperationLog& log);
 
     std::mutex m_resetMutex;
     HINTERNET m_hSession = nullptr;

@@ -113,6 +113,7 @@ DWORD HttpRequest::Send(std::wstring_view headers, std::string_view body, DWORD 
 DWORD HttpRequest::SendOnce(std::wstring_view headers, std::string_view body, DWORD totalLength)
 {
     const wchar_t* const headerText = headers.empty() ? WINHTTP_NO_ADDITIONAL_HEADERS : headers.data();
+    m_sends += 1;
     if (m_HttpInterface->SendRequest(m_handle, headerText, static_cast<DWORD>(headers.size()), SendableBody(body),
                                      static_cast<DWORD>(body.size()), totalLength, 0)) {
         return ERROR_SUCCESS;
@@ -120,34 +121,51 @@ DWORD HttpRequest::SendOnce(std::wstring_view headers, std::string_view body, DW
     return LastErrorOr(ERROR_WINHTTP_INTERNAL_ERROR);
 }
 
+DWORD HttpRequest::SendAgain(std::wstring_view headers, std::string_view body, DWORD totalLength,
+                             const OperationLog& log)
+{
+    if (m_credentials) {
+        const auto& [target, scheme, userName, password] = *m_credentials;
+        if (!m_HttpInterface->SetCredentials(m_handle, target, scheme, userName.c_str(), password.c_str(), nullptr)) {
+            const DWORD error = LastErrorOr(ERROR_WINHTTP_LOGIN_FAILURE);
+            log.Error("HttpRequest::Send WinHttpSetCredentials error " + NamedWinHttpError(error));
+            return error;
+        }
+    }
+    return SendOnce(headers, body, totalLength);
+}
+
 DWORD HttpRequest::SendWithResend(std::wstring_view headers, std::string_view body, DWORD totalLength,
                                   const OperationLog& log)
 {
-    const DWORD first = SendOnce(headers, body, totalLength);
-    if (first == ERROR_SUCCESS) {
+    DWORD error = m_sends == 0 ? SendOnce(headers, body, totalLength) : SendAgain(headers, body, totalLength, log);
+    if (error == ERROR_SUCCESS) {
         return ERROR_SUCCESS;
     }
-    log.Error("HttpRequest::Send WinHttpSendRequest result " + NamedWinHttpError(first));
-    if (first == ERROR_WINHTTP_RESEND_REQUEST) {
-        log.Trace("ERROR_WINHTTP_RESEND_REQUEST, retry");
-    } else if (first == ERROR_WINHTTP_SECURE_FAILURE) {
+    log.Error("HttpRequest::Send WinHttpSendRequest result " + NamedWinHttpError(error));
+    bool again = error == ERROR_WINHTTP_RESEND_REQUEST && !IsServerForeign();
+    if (error == ERROR_WINHTTP_SECURE_FAILURE) {
         DWORD flags = 0;
         DWORD size = sizeof(flags);
-        if (!m_HttpInterface->QueryOption(m_handle, WINHTTP_OPTION_SECURITY_FLAGS, &flags, &size)) {
-            return first;
-        }
-    } else {
-        log.Trace("error " + NamedWinHttpError(first) + " retry flag not set.");
-        return first;
+        again = m_HttpInterface->QueryOption(m_handle, WINHTTP_OPTION_SECURITY_FLAGS, &flags, &size);
+    } else if (!again) {
+        log.Trace("error " + NamedWinHttpError(error) + " retry flag not set.");
     }
-
-    const DWORD second = SendOnce(headers, body, totalLength);
-    if (second == ERROR_SUCCESS) {
+    if (!again) {
+        return error;
+    }
+    for (; again && MaySendAgain(); again = error == ERROR_WINHTTP_RESEND_REQUEST && !IsServerForeign()) {
+        if (error == ERROR_WINHTTP_RESEND_REQUEST) {
+            log.Trace("ERROR_WINHTTP_RESEND_REQUEST, retry");
+        }
+        error = SendAgain(headers, body, totalLength, log);
+    }
+    if (error == ERROR_SUCCESS) {
         log.Trace("retry successful.");
     } else {
-        log.Warning("error " + NamedWinHttpError(second) + ", retry failed.");
+        log.Warning("error " + NamedWinHttpError(error) + ", retry failed.");
     }
-    return second;
+    return error;
 }
 
 void HttpRequest::JudgeCertificate(const OperationLog& log)
@@ -162,15 +180,29 @@ void HttpRequest::JudgeCertificate(const OperationLog& log)
     }
 }
 
+Certificate HttpRequest::ServerCertificate(IHTTP& http, HINTERNET request) const
+{
+    Certificate server;
+    DWORD size = sizeof(PCCERT_CONTEXT);
+    const bool isThere = http.QueryOption(request, WINHTTP_OPTION_SERVER_CERT_CONTEXT, server.Receive(), &size);
+    return isThere ? std::move(server) : Certificate();
+}
+
+/// Whether a server was reached that no pinned issuer vouches for: it gets the body once, and no more.
+bool HttpRequest::IsServerForeign() const
+{
+    const Certificate server = ServerCertificate(*m_HttpInterface, m_handle);
+    return server && m_host.IsPinningCertificates() && !FindIssuer(server.Get(), m_host.PinnedCertificates());
+}
+
 bool HttpRequest::ValidateServerCert(IHTTP& http, HINTERNET request)
 {
     const TracedOperation log = Trace("HttpRequest::ValidateServerCert");
     if (!http.IsReady() || !m_host.IsPinningCertificates()) {
         return true;
     }
-    Certificate server;
-    DWORD size = sizeof(PCCERT_CONTEXT);
-    if (!http.QueryOption(request, WINHTTP_OPTION_SERVER_CERT_CONTEXT, server.Receive(), &size) || !server) {
+    const Certificate server = ServerCertificate(http, request);
+    if (!server) {
         const DWORD error = ::GetLastError();
         throw std::runtime_error("Unable to parse certificate data from connection: " + WinHttpErrorName(error));
     }
@@ -192,6 +224,15 @@ bool HttpRequest::ValidateServerCert(IHTTP& http, HINTERNET request)
     }
     log.Trace(std::string("Verified: ") + (issuer ? "1" : "0"));
     return issuer != nullptr;
+}
+
+Exchange HttpRequest::Outcome()
+{
+    Exchange outcome{ERROR_SUCCESS, m_verdict};
+    if (m_verdict == CertificateVerdict::unknown) {
+        outcome.error = ReportedError() != ERROR_SUCCESS ? ReportedError() : QueryStatusCode(outcome.status);
+    }
+    return outcome;
 }
 
 DWORD HttpRequest::QueryStatusCode(DWORD& status)
@@ -217,6 +258,7 @@ BOOL HttpRequest::QueryAuthSchemes(DWORD& supportedSchemes, DWORD& firstScheme, 
 
 BOOL HttpRequest::SetCredentials(DWORD authTarget, DWORD authScheme, const wchar_t* userName, const wchar_t* password)
 {
+    m_credentials = {authTarget, authScheme, userName, password};
     return m_HttpInterface->SetCredentials(m_handle, authTarget, authScheme, userName, password, nullptr);
 }
 

@@ -60,6 +60,13 @@ enum class CertificateVerdict {
     accepted  ///< a pinned issuer signed it, or pinning is off
 };
 
+/// What came of sending a request: who answered, and how.
+struct Exchange {
+    DWORD error = ERROR_SUCCESS; ///< of setting up or sending; also of receiving, where no server was reached
+    CertificateVerdict verdict = CertificateVerdict::unknown;
+    DWORD status = 0; ///< of an answer without a server's certificate, which is the proxy's; otherwise 0
+};
+
 /// Driven by the connection: open (by the constructor), AddHeaders, Send, ReadResponse. Errors are WinHTTP error
 /// codes, 0 for success, and are logged with their names where they happen. The destructor closes the handle.
 class HttpRequest {
@@ -75,8 +82,8 @@ public:
     /// Adds each complete header line, in the order of the names.
     DWORD AddHeaders(const HttpHeaders& headers);
 
-    /// Sends the headers and the body, once more when WinHTTP asks for it; then judges the server's certificate.
-    /// certificateValid says whether it is acceptable; retry is always false.
+    /// Sends the headers and the body, again where WinHTTP asks for it, as the steps of a logon at the proxy do; then
+    /// judges the server's certificate. certificateValid says whether it is acceptable; retry is always false.
     DWORD Send(std::wstring_view headers, std::string_view body, DWORD totalLength, bool& certificateValid,
                bool& retry);
 
@@ -84,7 +91,14 @@ public:
     /// Throws std::runtime_error when the request has no certificate.
     bool ValidateServerCert(IHTTP& http, HINTERNET request);
 
+    /// Whether the request may be sent once more. A logon of several steps asks for that, a proxy that never has
+    /// enough asks for ever; each send may carry the body.
+    bool MaySendAgain() const { return m_sends < kMaxSends; }
+
     CertificateVerdict Verdict() const { return m_verdict; }
+
+    /// What came of a send that succeeded, once the answer was received.
+    Exchange Outcome();
 
     /// Receives the answer; done once after a send, a second call returns the first result. Judges the server's
     /// certificate where the send had none to judge and the answer is not the proxy's 407.
@@ -102,6 +116,8 @@ public:
     /// Queries the answer's status code (WINHTTP_QUERY_STATUS_CODE as a number). A send that failed because the logon was refused counts as the proxy's 407 also when WinHTTP kept no answer.
     DWORD QueryStatusCode(DWORD& status);
     BOOL QueryAuthSchemes(DWORD& supportedSchemes, DWORD& firstScheme, DWORD& authTarget);
+
+    /// Also before every further send of this request: WinHTTP takes credentials for one send only.
     BOOL SetCredentials(DWORD authTarget, DWORD authScheme, const wchar_t* userName, const wchar_t* password);
     BOOL SetOption(DWORD option, void* buffer, DWORD length);
 
@@ -113,16 +129,29 @@ private:
     DWORD OpenRequestWithRetries(const std::wstring& objectName, const std::wstring& verb, DWORD flags);
     DWORD SendWithResend(std::wstring_view headers, std::string_view body, DWORD totalLength, const OperationLog& log);
     DWORD SendOnce(std::wstring_view headers, std::string_view body, DWORD totalLength);
+    DWORD SendAgain(std::wstring_view headers, std::string_view body, DWORD totalLength, const OperationLog& log);
+    Certificate ServerCertificate(IHTTP& http, HINTERNET request) const;
+    bool IsServerForeign() const;
     void JudgeCertificate(const OperationLog& log);
     DWORD ReadHeaders(DWORD& status, std::wstring& headers);
     DWORD ReadPayload(std::vector<std::uint8_t>& body);
+
+    static constexpr int kMaxSends = 4;
+
+    /// As they were set.
+    struct Credentials {
+        DWORD target, scheme;
+        std::wstring userName, password;
+    };
 
     IRequestHost& m_host;
     HINTERNET m_handle = nullptr;
     std::shared_ptr<IHTTP> m_HttpInterface;
     std::shared_ptr<ILogger> m_logger;
     CertificateVerdict m_verdict = CertificateVerdict::unknown;
-    DWORD m_sent = 0;                ///< result of the send
+    int m_sends = 0;
+    std::optional<Credentials> m_credentials;
+    DWORD m_sent = 0;                ///< result of the last send
     std::optional<DWORD> m_received; ///< result of receiving the answer, once that was tried
 };
 

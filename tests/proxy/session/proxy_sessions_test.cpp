@@ -57,7 +57,7 @@ TEST_F(ProxyTest, InconsistentDiscoveryIsRefusedWithoutAskingWindows)
         {1, 4, L"", ""},
         {3, 3, L"", ""},
         {1, 0xFF, L"", "Detect https://h 3 -;"},
-        {2, 0, L"u", "Script https://h 0 u;"},
+        {2, 3, L"u", "Script https://h 0 u;"},
         {3, 1, L"u", "Detect https://h 1 u;"},
     };
     for (const auto& [flags, detectFlags, url, asked] : kCases) {
@@ -127,11 +127,13 @@ TEST_F(SystemProxyTest, TheUsersSettingsThenTheMachinesServeAndAreRemembered)
     } kCases[] = {{{L"http://s", L"u", L""}, L"m", "", "3 p -"},
                   {{L"http://s", L"u", L""}, L"m", "Script", "3 m -"},
                   {{nullptr, L"u", L"b"}, L"m", "", "3 u b"},
+                  {{nullptr, L"u", L""}, L"m", "", "3 u -"},
                   {{L"", L"", L"b"}, L"m", "", "3 m -"},
                   {{}, L"m", "User", "3 m -"},
                   {{}, nullptr, "", "1 - -"},
                   {{}, L"m", "Machine", "1 - -"}};
     for (const auto& row : kCases) {
+        g_world.calls.clear();
         CHTTPProxyManager manager(m_http, Windows(), m_log, L"Agent");
         manager.InitConfig(m_config);
         m_discovery->user = {row.user};
@@ -139,10 +141,21 @@ TEST_F(SystemProxyTest, TheUsersSettingsThenTheMachinesServeAndAreRemembered)
         m_discovery->errors[row.failing] = {ERROR_WINHTTP_TIMEOUT};
         const std::string set = "SetOption 38 " + std::string(row.set) + ";";
         EXPECT_EQ(Request(manager), set);
+        if (row.user[0] && *row.user[0] && !*row.failing) {
+            EXPECT_EQ(g_world.calls,
+                      "Detect https://h 3 -;LoadModules;OpenThreadToken 12;OpenProcess 1040 31;OpenToken "
+                      "11;Impersonate shell;User;Script https://h 0 http://s;Revert;" +
+                          set);
+        }
         m_discovery->calls.clear();
         EXPECT_EQ(Request(manager), set);
         EXPECT_EQ(m_discovery->calls, "Detect https://h 3 -;"); // the rest is remembered
     }
+    EXPECT_EQ(std::exchange(m_discovery->inside, 0), 0);
+    m_discovery->knowsOutside = false; // a Windows that runs scripts in this process only
+    m_manager.InitConfig(m_config);
+    EXPECT_TRUE(InitRequest());
+    EXPECT_EQ(m_discovery->inside, 1);
     for (const char* const line :
          {"SystemProxyInfo: System proxy discovered previously",
           "SystemProxyInfo: System proxy discovery failed previously",

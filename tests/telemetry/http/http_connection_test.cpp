@@ -117,28 +117,31 @@ TEST_F(HttpConnectionTest, AProxysChallengeIsAnsweredWithEachSchemeOnce)
 {
     const struct {
         std::vector<std::uint32_t> configured;
-        DWORD offered;
-        std::deque<DWORD> statuses; ///< of the answers
-        const char* outcome;        ///< WinHTTP schemes, "send" for each send, then the status, or 0 and the error
+        ScriptedProxy proxy; ///< schemes that it offers and accepts, and legs of a logon
+        const char* outcome; ///< WinHTTP schemes, "send" for each send, then the status, or 0 and the error
         const char* failing = "";
         std::deque<DWORD> errors = {};
     } kCases[] = {
-        {{3}, 2, {407}, "2 send 407"}, // the only one is not repeated
-        {{4, 3, 1}, 1, {407, 200}, "send 1 send 200"},
-        {{4, 3, 1}, 19, {407, 407, 407, 407}, "send 16 send 2 send 1 send 407"},
-        {{1, 1, 3}, 3, {407, 407, 200}, "send 1 send 2 send 200"},
-        {{4, 3}, 2, {407}, "send 407", "QueryAuthSchemes", {12019}},
-        {{3, 1}, 1, {407, 200}, "send 1 send 200", "SendRequest", {12030}},              // asked in a failed send
-        {{3, 1}, 3, {407, 0, 200}, "send 2 send 1 send 200", "SendRequest", {0, 12015}}, // refused, answer lost
-        {{3, 1}, 3, {407, 200, 200}, "send 2 send send 200", "SendRequest", {0, 12002}}, // then directly
-        {{3}, 2, {407, 200}, "2 send send 200", "ReceiveResponse", {12032}},
-        {{3}, 2, {407}, "2 send send send send 0 12032", "ReceiveResponse", std::deque<DWORD>(9, 12032)},
-        {{3, 1}, 3, {407, 200}, "send 2 1 send 200", "SetCredentials", {87}},
-        {{2, 1}, 3, {407, 200}, "send 1 send 200", "SetOption 0", {12009}}, // no logon as the user
+        {{3}, {2}, "2 send 407"}, // the only one is not repeated
+        {{4, 3, 1}, {1, 1}, "send 1 send 200"},
+        {{4, 3, 1}, {19}, "send 16 send 2 send 1 send 407"},
+        {{1, 1, 3}, {3, 2}, "send 1 send 2 send 200"},
+        {{4, 3}, {2}, "send 407", "QueryAuthSchemes", {12019}},
+        {{3, 1}, {1, 1}, "send 1 send 200", "SendRequest", {12030}},           // asked in a failed send
+        {{3, 1}, {3, 1}, "send 2 send 1 send 200", "SendRequest", {0, 12015}}, // refused, answer lost
+        {{3, 1}, {3, 2}, "send 2 send send 200", "SendRequest", {0, 12002}},   // then directly
+        {{3}, {2, 2, 1}, "2 send 2 send 200"}, // each step of a logon needs the credentials again
+        {{4, 3}, {16, 16, 3}, "send 16 send 16 send 16 send 16 send 200"},
+        {{3}, {2, 2, 9}, "2 send 2 send 2 send 2 send 0 12032"}, // a proxy that has never enough
+        {{3}, {2, 2}, "2 send 2 send 200", "ReceiveResponse", {12032}},
+        {{3}, {2, 2, 2}, "2 send 2 send 2 send 2 send 0 12032", "ReceiveResponse", std::deque<DWORD>(9, 12032)},
+        {{3, 1}, {3, 1}, "send 2 1 send 200", "SetCredentials", {87}},
+        {{3, 1}, {2, 2, 1}, "send 2 send 2 0 87", "SetCredentials", {0, 87}},
+        {{2, 1}, {3, 1}, "send 1 send 200", "SetOption 0", {12009}}, // no logon as the user
+        {{3}, {0, 0, 0, 403}, "2 send 403"},
     };
     for (const auto& row : kCases) {
-        m_http->statuses = row.statuses;
-        m_http->proxySchemes = row.offered;
+        m_http->proxy = row.proxy;
         m_http->errors = {{row.failing, row.errors}};
         const HttpResponse response = Query([&](auto& settings) {
             settings.proxy.m_address = L"proxy:1";
@@ -153,12 +156,14 @@ TEST_F(HttpConnectionTest, AProxysChallengeIsAnsweredWithEachSchemeOnce)
         outcome += std::to_string(response.status) + (response.result ? " " + std::to_string(response.result) : "");
         EXPECT_EQ(outcome, row.outcome);
         EXPECT_EQ(m_http->openHandles, 0);
-        std::printf("scripted | named, offers schemes %lu%s%s | %s | %s\n", row.offered,
-                    row.failing[0] ? ", fails in " : "", row.failing, ::testing::PrintToString(row.configured).c_str(),
-                    outcome.c_str());
+        std::printf("scripted | named, offers %lu, accepts %lu, legs %d%s%s | %s | %s\n", row.proxy.offers,
+                    row.proxy.accepts, row.proxy.legs, row.failing[0] ? ", fails in " : "", row.failing,
+                    ::testing::PrintToString(row.configured).c_str(), outcome.c_str());
     }
     EXPECT_TRUE(m_tokens->calls.ends_with("Impersonate shell;Revert;")) << m_tokens->calls;
     EXPECT_TRUE(Logged("T HttpConnection::SendRequest: Clean request failed =0"));
+    EXPECT_TRUE(Logged("T HttpConnection::SendRequest: ERROR_WINHTTP_RESEND_REQUEST, retry"));
+    EXPECT_TRUE(Logged("E HttpRequest::Send: HttpRequest::Send WinHttpSetCredentials error Unknown error (87) 87"));
     EXPECT_THAT(m_log->lines, ::testing::Contains(::testing::EndsWith(": QueryAuthSchemes() failed, err=12019")));
 }
 
@@ -174,7 +179,8 @@ TEST_F(HttpConnectionTest, AChallengeExcusesAMissingCertificateButNoOther)
     EXPECT_EQ(Calls("QueryAuthSchemes"), 1);
 
     m_http->serverCertificate = outsider.front().Get();
-    for (const DWORD error : {0, 12015, 12029}) { // one that plays the proxy: neither credentials nor a second body
+    for (const DWORD error :
+         {0, 12015, 12029, 12032}) { // one that plays the proxy: neither credentials nor a second body
         m_log->lines.clear();
         m_http->errors["SendRequest"] = {error};
         EXPECT_EQ(Query(change).result, DWORD{ERROR_WINHTTP_SECURE_FAILURE});
@@ -191,6 +197,56 @@ TEST_F(HttpConnectionTest, AChallengeExcusesAMissingCertificateButNoOther)
         m_http->serverCertificate = late.front().Get();
         m_http->errors["QueryOption 78"] = {12019};
         EXPECT_EQ(Query(change).result, DWORD(result));
+    }
+}
+
+TEST_F(HttpConnectionTest, WithoutACertificateTheLogSaysWhatHappened)
+{
+    const std::string tunnel = "E HttpConnection::SendRequest: The proxy did not build the tunnel to the service: it "
+                               "answered with status ";
+    const std::string receiving =
+        "E HttpRequest::AcceptResponse: HttpRequest::AcceptResponse WinHttpReceiveResponse result ";
+    const struct {
+        DWORD refusal;        ///< status of the proxy
+        DWORD error;          ///< of receiving
+        DWORD result, status; ///< of the query
+        std::string line;
+    } kCases[] = {
+        {0, 12002, 12002, 0, receiving + "ERROR_WINHTTP_TIMEOUT 12002"},
+        {0, 12030, 12030, 0, receiving + "ERROR_WINHTTP_CONNECTION_ERROR 12030"},
+        {0, 12152, 12152, 0, receiving + "ERROR_WINHTTP_INVALID_SERVER_RESPONSE 12152"},
+        {403, 0, 0, 403, tunnel + "403."},
+        {502, 0, 0, 502, tunnel + "502."},
+        {503, 12030, 12030, 0, receiving + "ERROR_WINHTTP_CONNECTION_ERROR 12030"},
+        {0, 0, 12175, 0, "E HttpConnection::SendRequest: HttpConnection::SendRequest invalid server certificate."},
+    };
+    for (const auto& row : kCases) {
+        m_log->lines.clear();
+        m_http->proxy = {.refusal = row.refusal};
+        m_http->errors["ReceiveResponse"] = {row.error};
+        const HttpResponse response = Query([](auto& settings) {
+            Pin(settings);
+            ForbidFallback(settings);
+            settings.proxy.m_address = L"proxy:1";
+        });
+        EXPECT_EQ(response.result, row.result);
+        EXPECT_EQ(response.status, row.status);
+        EXPECT_TRUE(Logged(row.line)) << ::testing::PrintToString(m_log->lines);
+        EXPECT_EQ(Logged(std::end(kCases)[-1].line), row.result == 12175);
+        EXPECT_EQ(Calls("SendRequest body"), 1);
+        std::printf("scripted | named, status %lu, error %lu in receiving | none | %lu %lu\n", row.refusal, row.error,
+                    response.status, response.result);
+    }
+}
+
+TEST_F(HttpConnectionTest, TheDetectedProxyServesTheVeryRequest)
+{
+    m_discovery->errors.clear();
+    for (const bool isRefused : {false, true}) {
+        m_http->ways.clear();
+        m_http->errors["SetOption 38"] = {isRefused ? DWORD{12009} : DWORD{0}};
+        EXPECT_EQ(Query().result, isRefused ? DWORD{12009} : DWORD{0});
+        EXPECT_EQ(m_http->ways, isRefused ? "" : "p;");
     }
 }
 
@@ -215,7 +271,7 @@ TEST_F(HttpConnectionTest, WithoutWhatItNeedsNothingIsSent)
 TEST_F(HttpConnectionTest, ManySendsTakeNoMoreThanOne)
 {
     PROCESS_MEMORY_COUNTERS memory{};
-    for (std::size_t send = 0, most = 0; send < 400; ++send, m_log->lines.clear(), m_http->calls.clear()) {
+    for (std::size_t send = 0, most = 0; send < 400; ++send, m_log->lines.clear(), g_world = {}) {
         EXPECT_EQ(Query().result, 0u);
         EXPECT_EQ(m_http->openHandles, 0);
         ::GetProcessMemoryInfo(::GetCurrentProcess(), &memory, sizeof(memory));

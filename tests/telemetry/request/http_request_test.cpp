@@ -6,28 +6,33 @@ namespace {
 
 using HttpRequestTest = HttpConnectionTest;
 
-TEST_F(HttpRequestTest, ResendsOnceWhereWinHttpAsksForIt)
+TEST_F(HttpRequestTest, ResendsWhereWinHttpAsksForIt)
 {
     const struct {
-        DWORD first, second; ///< errors of the sends
-        DWORD flags;         ///< error of the query of option 31, the security flags
+        std::deque<DWORD> sends; ///< their errors
+        DWORD flags;             ///< error of the query of option 31, the security flags
         DWORD result;
         int sendCount;
         const char* line;
     } kCases[] = {
-        {12032, 0, 0, 0, 2, "T HttpRequest::Send: retry successful."},
-        {12032, 12032, 0, 12032, 2, "W HttpRequest::Send: error ERROR_WINHTTP_RESEND_REQUEST 12032, retry failed."},
-        {12175, 0, 0, 0, 2, "T HttpRequest::Send: retry successful."},
-        {12175, 12002, 0, 12002, 2, "W HttpRequest::Send: error ERROR_WINHTTP_TIMEOUT 12002, retry failed."},
-        {12175, 0, 12018, 12175, 1,
+        {{12032}, 0, 0, 2, "T HttpRequest::Send: retry successful."},
+        {{12032, 12032}, 0, 0, 3, "T HttpRequest::Send: ERROR_WINHTTP_RESEND_REQUEST, retry"},
+        {std::deque<DWORD>(9, 12032), 0, 12032, 4,
+         "W HttpRequest::Send: error ERROR_WINHTTP_RESEND_REQUEST 12032, retry failed."},
+        {{12175}, 0, 0, 2, "T HttpRequest::Send: retry successful."},
+        {{12175, 12002}, 0, 12002, 2, "W HttpRequest::Send: error ERROR_WINHTTP_TIMEOUT 12002, retry failed."},
+        {{12175},
+         12018,
+         12175,
+         1,
          "E HttpRequest::Send: HttpRequest::Send WinHttpSendRequest result ERROR_WINHTTP_SECURE_FAILURE 12175"},
-        {kUntold, 0, 0, 12004, 1, "T HttpRequest::Send: error ERROR_WINHTTP_INTERNAL_ERROR 12004 retry flag not set."},
-        {12029, 0, 0, 12029, 1, "T HttpRequest::Send: error ERROR_WINHTTP_CANNOT_CONNECT 12029 retry flag not set."},
+        {{kUntold}, 0, 12004, 1, "T HttpRequest::Send: error ERROR_WINHTTP_INTERNAL_ERROR 12004 retry flag not set."},
+        {{12029}, 0, 12029, 1, "T HttpRequest::Send: error ERROR_WINHTTP_CANNOT_CONNECT 12029 retry flag not set."},
     };
     for (const auto& row : kCases) {
         SCOPED_TRACE(row.line);
         m_log->lines.clear();
-        m_http->errors["SendRequest"] = {row.first, row.second};
+        m_http->errors["SendRequest"] = row.sends;
         m_http->errors["QueryOption 31"] = {row.flags};
         EXPECT_EQ(Query(ForbidFallback).result, row.result);
         EXPECT_EQ(Calls("SendRequest body"), row.sendCount);
