@@ -15,6 +15,7 @@ struct Explanation {
 
 constexpr Explanation kExplanations[] = {
     {"ERROR_WINHTTP_CANNOT_CONNECT", "nothing answers at the service's address, or a firewall refuses"},
+    {"ERROR_WINHTTP_RESEND_REQUEST", "the proxy asked for one logon step after the other"},
     {"ERROR_WINHTTP_TIMEOUT", "no answer came in time"},
     {"ERROR_WINHTTP_NAME_NOT_RESOLVED", "a host name, the service's or the proxy's, cannot be resolved"},
     {"ERROR_WINHTTP_CONNECTION_ERROR", "the connection was broken off"},
@@ -31,6 +32,11 @@ constexpr Explanation kExplanations[] = {
     {"invalid arguments", "the report is empty or too large"},
 };
 
+/// Warnings and errors that a logon at a proxy leaves on its way, whether it succeeds or not.
+constexpr std::string_view kLogonSteps[] = {"ERROR_WINHTTP_RESEND_REQUEST 12032",
+                                            "HTTPRequest::Send() failed, retrying",
+                                            "Unable to parse certificate data from connection"};
+
 constexpr char kStopped[] = ": the run was stopped there, or is still under way";
 
 std::string FirstLine(std::string_view text)
@@ -38,15 +44,29 @@ std::string FirstLine(std::string_view text)
     return std::string(text.substr(0, text.find('\n')));
 }
 
-std::string FailureText(const RunFacts& facts)
+bool Contains(std::string_view text, std::string_view part)
+{
+    return text.find(part) != std::string_view::npos;
+}
+
+bool IsLogonStep(const RunEvent& event)
+{
+    return std::ranges::any_of(kLogonSteps, [&](std::string_view part) { return Contains(event.text, part); });
+}
+
+std::string FailureText(const Run& run, const RunFacts& facts)
 {
     if (facts.isInspected) {
         return "the server's certificate is not from a pinned issuer, most likely an inspecting proxy's";
     }
     const auto* const known = std::ranges::find_if(
-        kExplanations, [&](const Explanation& one) { return facts.sendFailure.find(one.part) != std::string::npos; });
+        kExplanations, [&](const Explanation& one) { return Contains(facts.sendFailure, one.part); });
     const std::string logged =
         FirstLine(facts.sendFailure) + (facts.setUpFailure.empty() ? "" : "; " + FirstLine(facts.setUpFailure));
+    if (std::ranges::any_of(run.events,
+                            [](const RunEvent& one) { return Contains(one.text, "did not build the tunnel"); })) {
+        return "the proxy did not let the request through to the service (" + logged + ')';
+    }
     return known == std::end(kExplanations) ? logged : known->text + (" (" + logged + ')');
 }
 
@@ -63,7 +83,9 @@ std::string WayText(const RunFacts& facts)
 
 std::string CountText(const Run& run, EventKind kind, const std::string& noun)
 {
-    const auto count = std::ranges::count(run.events, kind, &RunEvent::kind);
+    const bool arrived = run.delivery == Delivery::delivered;
+    const auto count = std::ranges::count_if(
+        run.events, [&](const RunEvent& event) { return event.kind == kind && !(arrived && IsLogonStep(event)); });
     return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
 }
 
@@ -75,7 +97,7 @@ std::string DeliveryText(const Run& run, const RunFacts& facts)
     switch (run.delivery) {
     case Delivery::failed:
         return "The " + mode + " was not delivered" +
-               (facts.fellBack ? ", not in a second, direct try either: " : ": ") + FailureText(facts);
+               (facts.fellBack ? ", not in a second, direct try either: " : ": ") + FailureText(run, facts);
     case Delivery::delivered:
         return "The " + mode + " was delivered " + WayText(facts);
     case Delivery::unknown:

@@ -60,6 +60,12 @@ TEST(RunLog, PutsTheOutcomeInOneSentence)
         {"TRACE: CHTTPProxyManager::InitConfig: session type to NamedSessionProxy\n" + sent, "given on the command"},
         {" WARN: HttpConnection::Query: Using proxy fallback\n" + sent, "directly, after the proxy could not be rea"},
         {failed + "status: 407\n" + sent, "not delivered: the proxy wants credentials, or refused those it got (Send"},
+        {"ERROR: A: The proxy did not build the tunnel to\n" + failed + "status: 403\n" + sent,
+         "did not let the request"},
+        {"ERROR: A: ERROR_WINHTTP_RESEND_REQUEST 12032\n WARN: Unable to parse certificate data from connection: X\n" +
+             sent,
+         "was delivered directly; 0 warnings, 0 errors."},
+        {failed + "error: ERROR_WINHTTP_RESEND_REQUEST 12032\n" + sent, "one logon step after the other"},
         {"ERROR: Initialise failed: R.\nERROR: Send telemetry failed: http not initialised\n", "initialised; R.); "},
         {"ERROR: C: an inspecting proxy between\n" + failed + "error: X 12175\n", "most likely an inspecting proxy's"},
         {sending, "The log ends inside RESTTelemetry::Send: the run was stopped there, or is still under way; "},
