@@ -105,8 +105,9 @@ TEST(Proxies, EachKindWithEachKindOfCredentials)
     Squid squid;
     const WebServer web;
     LocalReceiver receiver;
-    const std::regex telling("(WinHTTP status: .*|Using proxy fallback|Using .* token|Using named proxy|lpszProxy: .*)|"
-                             "UserProxyConfig: (WinHttp.*)");
+    const std::regex telling(
+        "(WinHTTP (?:status|error): .*|Using proxy fallback|Using .* token|Using named proxy|lpszProxy: .*)|"
+        "UserProxyConfig: (WinHttp.*)");
     const auto run = [&](const char* proxy, const char* credentials, const std::string& outcome, const Lines& options,
                          const std::string& registry = {}) {
         SetRegistry(registry);
@@ -129,6 +130,9 @@ TEST(Proxies, EachKindWithEachKindOfCredentials)
     const std::string tunnel = "by CONNECT localhost:8000", refused = tunnel + ", WinHTTP status: 407";
 
     run("named", "not asked for", "arrives " + tunnel, {server, port});
+    run("named, unknown", "not asked for",
+        "does not arrive directly, WinHTTP error: ERROR_WINHTTP_NAME_NOT_RESOLVED 12007",
+        {"/server=proxy.invalid", port});
     run("named, dead", "not asked for", "arrives directly, Using proxy fallback", {server, "/port=9"});
     receiver.SetBehaviour({.challenges = {"NTLM", "Basic realm=\"x\""}, .authorization = "Basic YmVydDpzZWNyZXQ="});
     run("named", "none", "does not arrive " + refused, {server, port});
@@ -157,10 +161,10 @@ TEST(Proxies, EachKindWithEachKindOfCredentials)
     // What Wine cannot carry, over a scripted network, whose process list has an explorer.exe.
     SetRegistry("[HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon]\n"
                 "\"Shell\"=\"explorer.exe\"\n");
-    const Background scripted(
-        UnderWine({WindowsTree("tests/vantor_windows_tests.exe"),
-                   "--gtest_filter=HttpConnectionTest.AProxysChallengeIsAnsweredWithEachSchemeOnce"}),
-        "scripted", "[  PASSED  ] 1 test.");
+    const Background scripted(UnderWine({WindowsTree("tests/vantor_windows_tests.exe"),
+                                         "--gtest_filter=*AProxysChallengeIsAnsweredWithEachSchemeOnce:*"
+                                         "WithoutACertificateTheLogSaysWhatHappened"}),
+                              "scripted", "[  PASSED  ] 2 tests.");
     std::istringstream rows(scripted.Output());
     for (std::string row; std::getline(rows, row);) {
         std::cout << (row.starts_with("scripted | ") ? row + '\n' : "");
@@ -202,6 +206,42 @@ TEST(Proxies, ALogonOnTheNextConnectionGoesToNoOtherCertificate)
         EXPECT_EQ(second.Pulses().size(), pulses) << certificate;
         const std::string failure = "ERROR: RESTTelemetry::Send: Send telemetry failed. WinHTTP error: ";
         EXPECT_EQ(outcome.Logged(failure + error), pulses == 0) << certificate;
+    }
+}
+
+TEST(Proxies, ATunnelThatIsRefusedEndsTheRunWithItsCause)
+{
+    Squid squid("http_access deny all\n");
+    SetRegistry();
+    const Outcome outcome = RunProgram({"/hcmode=periodic", "/server=127.0.0.1", "/port=31280"});
+    EXPECT_EQ(squid.Asked().size(), 1u);
+    // Windows hands out the proxy's status; Wine takes its answer for the start of TLS.
+    const std::string failure = "ERROR: RESTTelemetry::Send: Send telemetry failed. WinHTTP ";
+    const bool isExplained = outcome.Logged(failure + "status: 403") ||
+                             outcome.Logged(failure + "error: ERROR_WINHTTP_SECURE_CHANNEL_ERROR 12157");
+    EXPECT_TRUE(isExplained);
+    EXPECT_FALSE(
+        outcome.Logged("ERROR: HttpConnection::SendRequest: HttpConnection::SendRequest invalid server certificate."));
+}
+
+TEST(Proxies, AnInspectingProxyIsNamedAndNothingOfItsAnswerIsRead)
+{
+    Squid squid;
+    LocalReceiver inspector("server-outsider"); // in the service's place: its authority is trusted, but not pinned
+    SetRegistry();
+    const Outcome outcome = RunProgram({"/hcmode=periodic", "/server=127.0.0.1", "/port=31280"});
+    EXPECT_EQ(squid.Asked(), Lines{"CONNECT localhost:8000"});
+    EXPECT_EQ(inspector.Requests().size(), 1u); // Windows shows the certificate once the request is sent
+    EXPECT_TRUE(
+        outcome.Logged("ERROR: HttpConnection::SendRequest: The server's certificate chain is trusted, but none of "
+                       "the pinned issuers signed the certificate: an inspecting proxy between this host and the "
+                       "service is the likely cause."));
+    EXPECT_TRUE(outcome.Logged(
+        "ERROR: RESTTelemetry::Send: Send telemetry failed. WinHTTP error: ERROR_WINHTTP_SECURE_FAILURE 12175"));
+    for (const std::string& line : outcome.log) {
+        EXPECT_FALSE(line.starts_with("TRACE: HttpRequest::Read") ||
+                     line.find("HttpRequest::AcceptResponse") != line.npos)
+            << line;
     }
 }
 
