@@ -4,16 +4,65 @@
 
 #include <windows.h>
 
+#include <cstdlib>
+
 namespace vantor {
+namespace {
+
+using SetDefaultDllDirectoriesFunction = BOOL(WINAPI*)(DWORD);
+using SetProcessMitigationPolicyFunction = BOOL(WINAPI*)(int, void*, SIZE_T);
+
+/// A function of kernel32; null where this Windows lacks it.
+template <typename Function>
+Function FindInKernel32(const char* name)
+{
+    return FindFunction<Function>(::GetModuleHandleA("kernel32"), name);
+}
+
+/// One mitigation policy, in the numbers of Windows' headers, which older headers lack.
+struct MitigationPolicy {
+    int policy;
+    DWORD flags;
+};
+
+constexpr MitigationPolicy kDefences[] = {
+    {10, 1 | 2 | 4}, // image load: NoRemoteImages, NoLowMandatoryLabelImages, PreferSystem32Images
+    {16, 1},         // redirection trust: EnforceRedirectionTrust
+};
+
+} // namespace
 
 void RestrictDllSearchPath()
 {
     constexpr DWORD kSearchSystem32 = 0x800; // LOAD_LIBRARY_SEARCH_SYSTEM32
 
-    const HMODULE kernel = ::GetModuleHandleA("kernel32");
-    if (const auto setDirectories = FindFunction<BOOL(WINAPI*)(DWORD)>(kernel, "SetDefaultDllDirectories")) {
+    if (const auto setDirectories = FindInKernel32<SetDefaultDllDirectoriesFunction>("SetDefaultDllDirectories")) {
         setDirectories(kSearchSystem32);
     }
+}
+
+bool KnowsDllSearchFlags()
+{
+    return FindInKernel32<SetDefaultDllDirectoriesFunction>("SetDefaultDllDirectories") != nullptr;
+}
+
+void SetProcessDefences()
+{
+    const auto setPolicy = FindInKernel32<SetProcessMitigationPolicyFunction>("SetProcessMitigationPolicy");
+    if (!setPolicy) {
+        return;
+    }
+    for (MitigationPolicy defence : kDefences) {
+        setPolicy(defence.policy, &defence.flags, sizeof(defence.flags));
+    }
+}
+
+void EndProcessAtOnce()
+{
+    constexpr UINT kExitCode = 3;
+
+    ::TerminateProcess(::GetCurrentProcess(), kExitCode);
+    std::abort(); // not reached: a process may always end itself
 }
 
 std::optional<std::wstring> ProgramPath()

@@ -81,6 +81,7 @@ void RunStages(VantorLogging& logging, int argc, const char* const* argv)
 int RunPulse(int argc, const char* const* argv)
 {
     RestrictDllSearchPath();
+    SetProcessDefences();
     VantorLogging logging;
     try {
         RunStages(logging, argc, argv);

@@ -1,16 +1,11 @@
 #include "proxy/calls/token_calls.h"
 
 #include "platform/modules/module.h"
+#include "platform/program.h"
 
 #include <array>
 
 namespace vantor {
-namespace {
-
-/// As abort() ends a process, apart from the 1 of an invalid command line.
-constexpr UINT kExitCode = 3;
-
-} // namespace
 
 void WindowsTokenCalls::LoadModules()
 {
@@ -111,7 +106,7 @@ BOOL WindowsTokenCalls::SaferCloseLevel(SAFER_LEVEL_HANDLE level)
 
 void WindowsTokenCalls::EndProcess()
 {
-    ::TerminateProcess(::GetCurrentProcess(), kExitCode);
+    EndProcessAtOnce();
 }
 
 } // namespace vantor

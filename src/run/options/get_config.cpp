@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -51,7 +50,7 @@ void ReadRegistry(RunConfig& config)
     DWORD size = kBufferBytes - sizeof(wchar_t);
     const LSTATUS status = key->Query(L"szVanTORLog", path.data(), size);
     if (size >= kBufferBytes) {
-        std::abort(); // a size out of range is fatal here, not an error to report
+        EndProcessAtOnce(); // a size out of range is fatal here, not an error to report
     }
     if (status == ERROR_SUCCESS) {
         path[size / sizeof(wchar_t)] = L'\0';
