@@ -1,25 +1,64 @@
 #include "platform/append_file.h"
 
+#include "platform/open_file.h"
+
+#include <sddl.h>
+
 #include <algorithm>
+#include <utility>
 
 namespace vantor {
 namespace {
 
-FileHandle OpenToAppend(const std::wstring& path, DWORD access)
+/// Rights of a new file, for CreateFileW: full ones for SYSTEM and Administrators, none for others, none inherited.
+class AdministratorsOnly {
+public:
+    AdministratorsOnly()
+    {
+        ::ConvertStringSecurityDescriptorToSecurityDescriptorW(L"D:P(A;;FA;;;SY)(A;;FA;;;BA)", SDDL_REVISION_1,
+                                                               &m_attributes.lpSecurityDescriptor, nullptr);
+    }
+    ~AdministratorsOnly() { ::LocalFree(m_attributes.lpSecurityDescriptor); }
+    AdministratorsOnly(const AdministratorsOnly&) = delete;
+    AdministratorsOnly& operator=(const AdministratorsOnly&) = delete;
+
+    explicit operator bool() const { return m_attributes.lpSecurityDescriptor != nullptr; }
+    SECURITY_ATTRIBUTES* Get() { return &m_attributes; }
+
+private:
+    SECURITY_ATTRIBUTES m_attributes{sizeof(SECURITY_ATTRIBUTES), nullptr, FALSE};
+};
+
+/// Whether the path means a device, such as a pipe, a port or NUL: nothing of that kind is even opened.
+bool IsDevicePath(const std::wstring& path)
 {
-    return FileHandle(::CreateFileW(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_ALWAYS,
-                                    FILE_ATTRIBUTE_NORMAL, nullptr));
+    std::wstring full(::GetFullPathNameW(path.c_str(), 0, nullptr, nullptr), L'\0');
+    full.resize(::GetFullPathNameW(path.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr));
+    return full.starts_with(L"\\\\.\\");
+}
+
+FileHandle OpenToAppend(const std::wstring& path, DWORD access, SECURITY_ATTRIBUTES* rights)
+{
+    FileHandle file(::CreateFileW(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE, rights, OPEN_ALWAYS,
+                                  FILE_ATTRIBUTE_NORMAL | kAnonymousNotThroughLinks, nullptr));
+    return file && IsPlainFile(ReadFileFacts(file.Get())) ? std::move(file) : FileHandle();
+}
+
+FileHandle OpenLog(const std::wstring& path)
+{
+    const bool isElevated = IsElevated();
+    AdministratorsOnly rights;
+    if (IsDevicePath(path) || (isElevated && !rights)) {
+        return {};
+    }
+    SECURITY_ATTRIBUTES* const given = isElevated ? rights.Get() : nullptr;         // null: as the folder hands down
+    FileHandle file = OpenToAppend(path, FILE_APPEND_DATA | FILE_READ_DATA, given); // without the second, no lock
+    return file ? std::move(file) : OpenToAppend(path, FILE_APPEND_DATA, given);
 }
 
 } // namespace
 
-AppendFile::AppendFile(const std::wstring& path)
-    : m_handle(OpenToAppend(path, FILE_APPEND_DATA | FILE_READ_DATA)) // without the second Windows grants no lock
-{
-    if (!m_handle) {
-        m_handle = OpenToAppend(path, FILE_APPEND_DATA);
-    }
-}
+AppendFile::AppendFile(const std::wstring& path) : m_handle(OpenLog(path)) {}
 
 bool AppendFile::Append(std::string_view text)
 {
@@ -44,12 +83,13 @@ bool AppendFile::Lock(OVERLAPPED& range)
 
     while (!::LockFileEx(m_handle.Get(), kFlags, 0, 1, 0, &range)) {
         const DWORD error = ::GetLastError();
-        if ((error != ERROR_LOCK_VIOLATION && error != ERROR_IO_PENDING) || m_patienceMs == 0) {
+        if ((error != ERROR_LOCK_VIOLATION && error != ERROR_IO_PENDING) || m_lockTimeoutMs == 0) {
             return false;
         }
         const ULONGLONG begun = ::GetTickCount64();
         ::Sleep(1);
-        m_patienceMs -= std::min(m_patienceMs, std::max(static_cast<DWORD>(::GetTickCount64() - begun), DWORD{1}));
+        m_lockTimeoutMs -=
+            std::min(m_lockTimeoutMs, std::max(static_cast<DWORD>(::GetTickCount64() - begun), DWORD{1}));
     }
     return true;
 }

@@ -17,11 +17,13 @@ public:
     /// The byte that is locked during a write. It lies past every file's end, so that no reader is held up.
     static constexpr std::uint64_t kLockedByte = 0x7FFF'FFFF'FFFF'FFFE;
 
-    /// So long an object waits for others' locks, in all its writes together. Then it no longer waits: a process that
+    /// How long an object waits for others' locks, in all its writes together. Then it no longer waits: a process that
     /// hangs with the lock holds nobody up for good.
-    static constexpr DWORD kPatienceMs = 2000;
+    static constexpr DWORD kLockTimeoutMs = 2000;
 
-    /// Opens the file, creating it if absent; what it holds is kept. Check IsOpen afterwards.
+    /// Opens the file, creating it if absent; what it holds is kept. Check IsOpen afterwards. Only a plain file on a disk
+    /// is opened, and only under its one name: no link, pipe, device or folder. A file that an elevated process
+    /// creates is for SYSTEM and Administrators alone; one that was there keeps its rights.
     explicit AppendFile(const std::wstring& path);
 
     bool IsOpen() const { return static_cast<bool>(m_handle); }
@@ -33,7 +35,7 @@ private:
     bool Lock(OVERLAPPED& range);
 
     FileHandle m_handle;
-    DWORD m_patienceMs = kPatienceMs;
+    DWORD m_lockTimeoutMs = kLockTimeoutMs;
 };
 
 } // namespace vantor

@@ -1,6 +1,6 @@
 #include "platform/read_file.h"
 
-#include "platform/owner.h"
+#include "platform/open_file.h"
 
 #include <algorithm>
 
@@ -11,7 +11,7 @@ std::optional<std::string> ReadFileStart(const std::wstring& path, std::size_t m
     constexpr std::size_t kPieceBytes = 4096;
 
     const FileHandle file(::CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                        OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+                                        OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL | kAnonymous, nullptr));
     if (!file) {
         return std::nullopt;
     }

@@ -17,8 +17,8 @@ std::map<std::string, int> LinesOf(int runs, const std::filesystem::path& log)
 {
     std::string command;
     for (int run = 0; run < runs; ++run) {
-        command += VANTOR_SOURCE_DIRECTORY "/tools/wine-run e2e " + WindowsTree("vantor.exe") + " /hcmode=periodic '/logfile=" +
-                   WindowsPath(log) + "' & all=\"$all $!\"; ";
+        command += VANTOR_SOURCE_DIRECTORY "/tools/wine-run e2e " + WindowsTree("vantor.exe") +
+                   " /hcmode=periodic '/logfile=" + WindowsPath(log) + "' & all=\"$all $!\"; ";
     }
     std::filesystem::remove(log);
     EXPECT_EQ(std::system((command + "for run in $all; do wait $run || failed=1; done; exit $failed").c_str()), 0);
@@ -52,14 +52,21 @@ TEST(LogFile, ThatCannotBeWrittenDoesNotStopTheRun)
     SetRegistry();
     LocalReceiver receiver;
     std::size_t pulses = 0;
-    // A folder, a missing one, a name that Windows refuses, a full disk, one that fails every write, and a device.
+    const std::filesystem::path linked = ScratchFolder() / "linked.log";
+    std::ofstream(linked) << "another's\n";
+    std::filesystem::create_hard_link(linked, ScratchFolder() / "vantor.log");
+    // A folder, a missing one, a name that Windows refuses, a full disk, one that fails every write, devices, and a
+    // second name of another's file.
     for (const std::string path :
-         {"C:\\windows", "C:\\no such folder\\x.log", "C:\\no?name.log", "Z:\\dev\\full", "Z:\\proc\\version", "NUL"}) {
+         {std::string("C:\\windows"), std::string("C:\\no such folder\\x.log"), std::string("C:\\no?name.log"),
+          std::string("Z:\\dev\\full"), std::string("Z:\\proc\\version"), std::string("NUL"),
+          WindowsPath(ScratchFolder() / "vantor.log")}) {
         const Outcome outcome = RunProgram(WindowsTree("vantor.exe"), {"/hcmode=periodic", "/logfile=" + path}, "");
         EXPECT_EQ(outcome.exitCode, 0) << path;
         EXPECT_EQ(outcome.standardOutput + outcome.standardError, "") << path;
         EXPECT_EQ(receiver.Pulses().size(), ++pulses) << path;
     }
+    EXPECT_EQ(ReadLines(linked), std::vector<std::string>{"another's"});
 }
 
 } // namespace
