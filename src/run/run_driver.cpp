@@ -25,24 +25,40 @@ void SleepFor(std::chrono::milliseconds duration)
     ::Sleep(static_cast<DWORD>(duration.count()));
 }
 
-void StartTracing(IEventTracing& tracing)
+void StartTracing(IEventTracing& tracing, TraceFolder& folder)
 {
     TraceProviders providers;
     if (const DWORD error = populateGUID(providers); error != ERROR_SUCCESS) {
         LogError("Error: populateGUID FAILED!!: " + std::to_string(error));
-    } else if (const DWORD started = StartLogging(providers, tracing); started != ERROR_SUCCESS) {
+    } else if (const DWORD started = StartLogging(providers, tracing, folder); started != ERROR_SUCCESS) {
         LogError("Error: StartLogging FAILED!!: " + std::to_string(started));
     } else {
         LogTrace("Starting etl tracing...");
     }
 }
 
-void StopTracing(IEventTracing& tracing)
+void StopTracing(IEventTracing& tracing, const TraceFolder& folder)
 {
-    if (const DWORD error = StopLogging(tracing); error != ERROR_SUCCESS) {
+    if (const DWORD error = StopLogging(tracing, folder); error != ERROR_SUCCESS) {
         LogError("Error: StopLogging FAILED!!: " + std::to_string(error));
     } else {
         LogTrace("Stopping etl tracing...");
+    }
+}
+
+/// Starts or stops the updater's trace where the run is one before or after an update.
+void Trace(const RunConfig& config)
+{
+    if (!IsPreUpdate(config) && !IsPostUpdate(config)) {
+        return; // the folder is not even asked for: a run without a trace does not pay for shell32
+    }
+    WindowsEventTracing tracing;
+    TraceFolder folder; // held until the session runs
+    if (ShouldStartETLTracing(config, tracing, folder)) {
+        StartTracing(tracing, folder);
+    }
+    if (IsPostUpdate(config)) {
+        StopTracing(tracing, folder);
     }
 }
 
@@ -67,13 +83,7 @@ void RunStages(VantorLogging& logging, int argc, const char* const* argv)
         SendTelemetry(report, config);
     }
 
-    WindowsEventTracing tracing;
-    if (ShouldStartETLTracing(config, tracing)) {
-        StartTracing(tracing);
-    }
-    if (IsPostUpdate(config)) {
-        StopTracing(tracing);
-    }
+    Trace(config);
 }
 
 } // namespace

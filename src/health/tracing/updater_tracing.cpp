@@ -1,7 +1,6 @@
 #include "health/tracing/updater_tracing.h"
 
 #include "health/protection/access_protection.h"
-#include "health/tracing/trace_files.h"
 #include "platform/process_list.h"
 #include "platform/text.h"
 #include "run/log/logging.h"
@@ -19,7 +18,8 @@ constexpr std::uint64_t kLeastFreeMebibytes = 151;
 
 /// Asks for access to the trace folder for the operation of this name. What is refused is logged; the operation goes
 /// on.
-void RequestFolderAccess(ScopedAccessProtectionExclusionObject& exclusion, const std::string& operation)
+void RequestFolderAccess(ScopedAccessProtectionExclusionObject& exclusion, const TraceFolder& folder,
+                         const std::string& operation)
 {
     constexpr std::uint32_t kFileAccess = 0x14201B;
 
@@ -27,11 +27,10 @@ void RequestFolderAccess(ScopedAccessProtectionExclusionObject& exclusion, const
         LogTrace(operation + ": Failed on initialization scoped access protection exclusion object.");
         return;
     }
-    const auto folder = TraceFolder();
-    if (!folder) {
-        return; // there is no path to ask for
+    if (!folder.Path()) {
+        return;
     }
-    const std::wstring path = *folder + L"*";
+    const std::wstring path = *folder.Path() + L"*";
     if (!exclusion.AllowFilePathAccessToProcess(path.c_str(), kFileAccess)) {
         LogTrace(operation +
                  ": Failed on call AllowFilePathAccessToProcess().  Access requested for path:" + ToNarrow(path));
@@ -44,38 +43,58 @@ bool WasStartedByUpdater()
 }
 
 /// Makes room for one more trace file where ten or more are there.
-bool TrimOldTraces(const std::wstring& folder)
+bool TrimOldTraces(const TraceFolder& folder)
 {
-    const std::vector<std::wstring> files = ListTraceFiles(folder);
+    const std::vector<std::wstring> files = folder.List();
     if (files.size() <= kMostTraceFiles) {
         return true;
     }
     ScopedAccessProtectionExclusionObject exclusion;
-    RequestFolderAccess(exclusion, "ShouldStartETLTracing");
-    if (!TrimTraceFiles(files)) {
-        LogError("Delete of old log failed, so cannot proceed");
-        return false;
-    }
-    return true;
+    RequestFolderAccess(exclusion, folder, "ShouldStartETLTracing");
+    return TrimTraceFiles(folder, files);
 }
 
-/// The properties of a session that starts now; logs it when they cannot be made.
-std::optional<TraceProperties> MakePropertiesForNow()
+std::wstring NameForNow()
 {
     SYSTEMTIME now{};
     ::GetLocalTime(&now);
-    const auto folder = TraceFolder();
-    auto trace = folder ? MakeTraceProperties(*folder + TraceFileName(now), IsWindowsVersion6()) : std::nullopt;
+    return TraceFileName(now);
+}
+
+/// The properties of a session that records into this file; logs it when they cannot be made.
+std::optional<TraceProperties> MakeProperties(const TraceFolder& folder, const std::wstring& name)
+{
+    auto trace = folder.Path() ? MakeTraceProperties(*folder.Path() + name, IsWindowsVersion6()) : std::nullopt;
     if (!trace) {
         LogError("Failed to create properties instance");
     }
     return trace;
 }
 
-/// Starts the session or finds the one that runs; returns the error of neither.
-DWORD StartOrReuse(TraceProperties& trace, TRACEHANDLE& session, IEventTracing& tracing)
+/// Starts a session that records into this file. The file is made first, so that the session overwrites nothing that
+/// somebody planted under its name; it goes again when no session comes about.
+DWORD StartInNewFile(TraceProperties& trace, TRACEHANDLE& session, IEventTracing& tracing, TraceFolder& folder,
+                     const std::wstring& name)
 {
+    if (const DWORD error = folder.Hold(); error != ERROR_SUCCESS) {
+        return error;
+    }
+    if (const DWORD error = folder.Create(name); error != ERROR_SUCCESS) {
+        LogWarning("The trace file cannot be created: " + ToNarrow(name) + " Error:" + std::to_string(error));
+        return error;
+    }
     const DWORD error = tracing.Start(session, trace);
+    if (error != ERROR_SUCCESS) {
+        folder.Delete(name);
+    }
+    return error;
+}
+
+/// Returns 0 when a session was started or one runs already, otherwise the error, which it logs.
+DWORD StartOrReuse(TraceProperties& trace, TRACEHANDLE& session, IEventTracing& tracing, TraceFolder& folder,
+                   const std::wstring& name)
+{
+    const DWORD error = StartInNewFile(trace, session, tracing, folder, name);
     if (error != ERROR_ALREADY_EXISTS) {
         if (error != ERROR_SUCCESS) {
             LogError("Failed to start logging. exitCode:" + std::to_string(error));
@@ -116,7 +135,7 @@ bool HasRoomForTrace(std::uint64_t freeBytes)
     return freeBytes >> 20 >= kLeastFreeMebibytes;
 }
 
-bool ShouldStartETLTracing(const RunConfig& config, IEventTracing& tracing)
+bool ShouldStartETLTracing(const RunConfig& config, IEventTracing& tracing, TraceFolder& folder)
 {
     if (!IsPreUpdate(config)) {
         return false;
@@ -125,14 +144,15 @@ bool ShouldStartETLTracing(const RunConfig& config, IEventTracing& tracing)
         LogWarning("This product is not configured for update etl tracing");
         return false;
     }
-    const auto folder = TraceFolder();
-    if (!folder) {
+    if (!folder.Path()) {
         return true; // starting the trace will say that it has no file
     }
-    if (!TrimOldTraces(*folder)) {
+    const DWORD held = folder.Hold(); // one that is not there has no old traces; StartLogging says so
+    if (held == ERROR_CANT_ACCESS_FILE || held == ERROR_INVALID_OWNER || !TrimOldTraces(folder)) {
+        LogError("Delete of old log failed, so cannot proceed");
         return false;
     }
-    const auto freeBytes = tracing.FreeBytes(*folder);
+    const auto freeBytes = tracing.FreeBytes(*folder.Path());
     if (freeBytes && !HasRoomForTrace(*freeBytes)) {
         LogError("Error, cannot start etl tracing as disk space is low:" + std::to_string(*freeBytes >> 20) +
                  "MB only");
@@ -153,13 +173,14 @@ DWORD populateGUID(TraceProviders& providers)
     return ERROR_SUCCESS;
 }
 
-DWORD StartLogging(const TraceProviders& providers, IEventTracing& tracing)
+DWORD StartLogging(const TraceProviders& providers, IEventTracing& tracing, TraceFolder& folder)
 {
     constexpr DWORD kNothingToRecord = 0xFFFFFFFF;
 
     ScopedAccessProtectionExclusionObject exclusion;
-    RequestFolderAccess(exclusion, "StartLogging");
-    auto trace = MakePropertiesForNow();
+    RequestFolderAccess(exclusion, folder, "StartLogging");
+    const std::wstring name = NameForNow();
+    auto trace = MakeProperties(folder, name);
     if (!trace) {
         return ERROR_INVALID_DATA;
     }
@@ -167,7 +188,7 @@ DWORD StartLogging(const TraceProviders& providers, IEventTracing& tracing)
         return kNothingToRecord;
     }
     TRACEHANDLE session = 0;
-    if (const DWORD error = StartOrReuse(*trace, session, tracing); error != ERROR_SUCCESS) {
+    if (const DWORD error = StartOrReuse(*trace, session, tracing, folder, name); error != ERROR_SUCCESS) {
         return error;
     }
     EnableProviders(session, providers, tracing);
@@ -175,11 +196,11 @@ DWORD StartLogging(const TraceProviders& providers, IEventTracing& tracing)
     return ERROR_SUCCESS;
 }
 
-DWORD StopLogging(IEventTracing& tracing)
+DWORD StopLogging(IEventTracing& tracing, const TraceFolder& folder)
 {
     ScopedAccessProtectionExclusionObject exclusion;
-    RequestFolderAccess(exclusion, "StopLogging");
-    auto trace = MakePropertiesForNow();
+    RequestFolderAccess(exclusion, folder, "StopLogging");
+    auto trace = MakeProperties(folder, NameForNow());
     if (!trace) {
         return ERROR_INVALID_DATA;
     }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "health/tracing/event_tracing.h"
+#include "health/tracing/trace_files.h"
 #include "run/config/run_config.h"
 
 #include <cstdint>
@@ -18,8 +19,8 @@ struct TraceProvider {
 using TraceProviders = std::vector<TraceProvider>;
 
 /// Whether a session is to be started: only before an update, when the updater started this program and its volume has
-/// room. Deletes the oldest trace files first where ten or more are there.
-bool ShouldStartETLTracing(const RunConfig& config, IEventTracing& tracing);
+/// room. Holds the folder, and deletes the oldest trace files first where ten or more are there.
+bool ShouldStartETLTracing(const RunConfig& config, IEventTracing& tracing, TraceFolder& folder);
 
 /// Whether so many free bytes are enough for a trace: 151 MiB at least.
 bool HasRoomForTrace(std::uint64_t freeBytes);
@@ -28,10 +29,11 @@ bool HasRoomForTrace(std::uint64_t freeBytes);
 DWORD populateGUID(TraceProviders& providers);
 
 /// Starts the session, or takes the one that runs, and enables every listed provider that is not registered already.
-/// Returns 0, a Windows error code, or 0xFFFFFFFF when the list is empty.
-DWORD StartLogging(const TraceProviders& providers, IEventTracing& tracing);
+/// A new session records into a new file of the folder, which is held from then on. Returns 0, a Windows error code, or
+/// 0xFFFFFFFF when the list is empty.
+DWORD StartLogging(const TraceProviders& providers, IEventTracing& tracing, TraceFolder& folder);
 
 /// Stops the session. Returns 0 or a Windows error code, also when none runs.
-DWORD StopLogging(IEventTracing& tracing);
+DWORD StopLogging(IEventTracing& tracing, const TraceFolder& folder);
 
 } // namespace vantor

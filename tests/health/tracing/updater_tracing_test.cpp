@@ -2,6 +2,7 @@
 
 #include "health/tracing/trace_files.h"
 #include "platform/process_list.h"
+#include "platform/text.h"
 #include "support/log_capture.h"
 
 #include <gtest/gtest.h>
@@ -9,6 +10,8 @@
 #include <objbase.h>
 
 #include <cstring>
+#include <filesystem>
+#include <fstream>
 
 namespace vantor {
 namespace {
@@ -48,6 +51,25 @@ public:
     std::vector<GUID> registered;
     TraceProperties trace{};
     std::vector<std::tuple<TRACEHANDLE, unsigned long, ULONG>> enabled;
+};
+
+/// A folder of traces for one test.
+class ScratchFolder {
+public:
+    ScratchFolder() { std::filesystem::create_directory(path); }
+    ~ScratchFolder()
+    {
+        std::error_code error;
+        std::filesystem::remove_all(path, error);
+    }
+    std::ptrdiff_t Count() const
+    {
+        return std::distance(std::filesystem::directory_iterator(path), std::filesystem::directory_iterator());
+    }
+
+    const std::filesystem::path path =
+        std::filesystem::current_path() / ("traces_" + std::to_string(::GetCurrentProcessId()));
+    TraceFolder folder{path.wstring() + L"\\"};
 };
 
 const TraceProviders kProviders = {{4, {1, 0, 0, {}}}, {5, {2, 0, 0, {}}}};
@@ -112,8 +134,10 @@ TEST(UpdaterTracing, StartsOrReusesASessionAndEnablesWhatIsNotRegistered)
         tracing.queryError = row.query;
         tracing.enumerateError = row.enumerate;
         tracing.enableError = row.enable;
+        ScratchFolder scratch;
         LogCapture log;
-        EXPECT_EQ(StartLogging(kProviders, tracing), row.result);
+        EXPECT_EQ(StartLogging(kProviders, tracing, scratch.folder), row.result);
+        EXPECT_EQ(scratch.Count(), row.start == 0 ? 1 : 0); // a session's own file
         EXPECT_EQ(tracing.enabled, row.enabled);
         EXPECT_TRUE(log.Has(row.line));
         EXPECT_TRUE(
@@ -121,8 +145,62 @@ TEST(UpdaterTracing, StartsOrReusesASessionAndEnablesWhatIsNotRegistered)
         EXPECT_EQ(log.Has("TRACE: Now Logging."), row.result == 0);
     }
     ScriptedTracing tracing;
-    EXPECT_EQ(StartLogging({}, tracing), 0xFFFFFFFF);
+    ScratchFolder scratch;
+    EXPECT_EQ(StartLogging({}, tracing, scratch.folder), 0xFFFFFFFF);
+    TraceFolder missing(scratch.path.wstring() + L"\\none\\");
+    EXPECT_EQ(StartLogging(kProviders, tracing, missing), DWORD{ERROR_FILE_NOT_FOUND});
     EXPECT_EQ(tracing.trace.properties.Wnode.BufferSize, 0u); // nothing was started
+}
+
+TEST(UpdaterTracing, OverwritesNothingThatWasPlantedUnderAComingName)
+{
+    ScratchFolder scratch;
+    const auto victim = scratch.path / "another's.txt";
+    std::ofstream(victim) << "kept";
+    FILETIME now{};
+    ::GetSystemTimeAsFileTime(&now);
+    std::uint64_t ticks = std::uint64_t{now.dwHighDateTime} << 32 | now.dwLowDateTime;
+    for (int second = 0; second < 60; ++second, ticks += 10'000'000) {
+        const FILETIME time{static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32)};
+        SYSTEMTIME universal{}, local{};
+        ::FileTimeToSystemTime(&time, &universal);
+        ::SystemTimeToTzSpecificLocalTime(nullptr, &universal, &local);
+        std::filesystem::create_hard_link(victim, scratch.path / TraceFileName(local));
+    }
+    ScriptedTracing tracing;
+    const LogCapture log;
+    EXPECT_EQ(StartLogging(kProviders, tracing, scratch.folder), DWORD{ERROR_FILE_EXISTS});
+    EXPECT_EQ(tracing.trace.properties.Wnode.BufferSize, 0u);
+    EXPECT_TRUE(log.Has("ERROR: Failed to start logging. exitCode:80"));
+    EXPECT_EQ(std::filesystem::file_size(victim), 4u);
+    EXPECT_EQ(scratch.Count(), 61); // nor was anything deleted
+}
+
+TEST(UpdaterTracing, KeepsToItsFolderAndNamesTheTraceThatCannotGo)
+{
+    ScratchFolder scratch;
+    ASSERT_EQ(scratch.folder.Hold(), 0u);
+    EXPECT_FALSE(::MoveFileW(scratch.path.c_str(), L"moved")); // it is held
+    std::filesystem::create_directory(scratch.path / "inner");
+    std::ofstream(scratch.path / "inner" / "b.log") << "kept";
+    EXPECT_EQ(scratch.folder.Create(L"inner\\a.log"), DWORD{ERROR_CANT_ACCESS_FILE});
+    EXPECT_EQ(scratch.folder.Delete(L"inner\\b.log"), DWORD{ERROR_CANT_ACCESS_FILE});
+    EXPECT_FALSE(std::filesystem::exists(scratch.path / "inner" / "a.log"));
+    EXPECT_TRUE(std::filesystem::exists(scratch.path / "inner" / "b.log"));
+
+    for (wchar_t number = L'0'; number <= L'9'; ++number) {
+        EXPECT_EQ(scratch.folder.Create(std::wstring(L"scupdateETL_") + number + L".log"), 0u);
+    }
+    const auto files = scratch.folder.List();
+    ASSERT_EQ(files.size(), 10u);
+    const std::wstring oldest = (scratch.path / files[0]).wstring();
+    ::SetFileAttributesW(oldest.c_str(), FILE_ATTRIBUTE_READONLY);
+    const LogCapture log;
+    EXPECT_FALSE(TrimTraceFiles(scratch.folder, files));
+    EXPECT_TRUE(log.Has(" WARN: An old trace cannot be deleted: " + ToNarrow(oldest) + " Error:5"));
+    ::SetFileAttributesW(oldest.c_str(), FILE_ATTRIBUTE_NORMAL);
+    EXPECT_TRUE(TrimTraceFiles(scratch.folder, files));
+    EXPECT_EQ(scratch.folder.List().size(), 9u);
 }
 
 TEST(UpdaterTracing, StoppingSaysHowItWent)
@@ -136,7 +214,7 @@ TEST(UpdaterTracing, StoppingSaysHowItWent)
         ScriptedTracing tracing;
         tracing.stopError = error;
         LogCapture log;
-        EXPECT_EQ(StopLogging(tracing), error);
+        EXPECT_EQ(StopLogging(tracing, TraceFolder(L"C:\\")), error);
         EXPECT_TRUE(log.Has(line)) << line;
         EXPECT_EQ(tracing.trace.properties.Wnode.BufferSize, 4224u);
     }
@@ -152,7 +230,6 @@ TEST(UpdaterTracing, KnowsItsParentItsProvidersItsFilesAndTheRoomTheyNeed)
     EXPECT_TRUE(providers.size() == 1 && providers[0].level == 4 && providers[0].id.Data1 == 0x3E8C7A52);
     const SYSTEMTIME time{2026, 2, 0, 3, 4, 5, 6, 0};
     EXPECT_EQ(TraceFileName(time), L"scupdateETL_20260203.040506.log");
-    EXPECT_FALSE(TrimTraceFiles(std::vector<std::wstring>(10, L"no such file"))); // they may not go
     EXPECT_FALSE(HasRoomForTrace(151 * 1048576ULL - 1));
     EXPECT_TRUE(HasRoomForTrace(151 * 1048576ULL));
 }
