@@ -151,8 +151,7 @@ bool TrimTraceFiles(const TraceFolder& folder, const std::vector<std::wstring>& 
     for (std::size_t index = 0; index + kMostTraceFiles < oldestFirst.size(); ++index) {
         const std::wstring& name = oldestFirst[index];
         if (const DWORD error = folder.Delete(name); error != ERROR_SUCCESS) {
-            LogWarning("An old trace cannot be deleted: " + ToNarrow(folder.Path().value_or(L"") + name) +
-                       " Error:" + std::to_string(error));
+            LogWarning("An old trace cannot be deleted: " + ToNarrow(name) + " Error:" + std::to_string(error));
             return false;
         }
     }

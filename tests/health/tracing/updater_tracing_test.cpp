@@ -197,7 +197,7 @@ TEST(UpdaterTracing, KeepsToItsFolderAndNamesTheTraceThatCannotGo)
     ::SetFileAttributesW(oldest.c_str(), FILE_ATTRIBUTE_READONLY);
     const LogCapture log;
     EXPECT_FALSE(TrimTraceFiles(scratch.folder, files));
-    EXPECT_TRUE(log.Has(" WARN: An old trace cannot be deleted: " + ToNarrow(oldest) + " Error:5"));
+    EXPECT_TRUE(log.Has(" WARN: An old trace cannot be deleted: " + ToNarrow(files[0]) + " Error:5"));
     ::SetFileAttributesW(oldest.c_str(), FILE_ATTRIBUTE_NORMAL);
     EXPECT_TRUE(TrimTraceFiles(scratch.folder, files));
     EXPECT_EQ(scratch.folder.List().size(), 9u);
