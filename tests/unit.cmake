@@ -1,5 +1,6 @@
 # Tests of this tree's own sources.
 vantor_test(vantor_core_tests
+    health/protection/module_trust_test.cpp
     health/record/health_record_test.cpp
     health/record/report_test.cpp
     platform/file_facts_test.cpp

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace vantor::e2e {
 namespace {
@@ -45,6 +46,38 @@ TEST(Modules, PlantedOnesAreNotLoaded)
     EXPECT_EQ(receiver.Pulses().size(), 1u);
     RunProgram("rundll32", {WindowsPath(beside / "winhttp.dll") + ",None"}, "", {order}); // asked for by its path
     EXPECT_EQ(loaded(), 1);
+}
+
+/// Signs a copy of the program with this certificate of the test authorities.
+void SignProgram(const std::string& signer, const fs::path& copy)
+{
+    const std::string key = VANTOR_PKI_DIRECTORY "/" + signer;
+    const std::string command = "osslsigncode sign -certs " + key + ".pem -key " + key +
+                                ".key -h sha256 -in " VANTOR_PROGRAM " -out '" + copy.string() + "' >/dev/null";
+    fs::remove(copy);
+    ASSERT_EQ(std::system(command.c_str()), 0);
+}
+
+TEST(Modules, TheProductsOwnMustBeOfTheProgramsPublisher)
+{
+    const fs::path program = ScratchFolder() / "vantor.exe";
+    const fs::path log = ScratchFolder() / "signed.log";
+    const fs::path record = ScratchFolder() / "record.txt";
+    fs::copy_file(VANTOR_TEST_MODULES "/modules/signed/vxeaaca.dll", ScratchFolder() / "vxeaaca.dll");
+    for (const std::string signer : {"server-a", "code-signer"}) { // the module's is the second
+        SCOPED_TRACE(signer);
+        SignProgram(signer, program);
+        SetRegistry();
+        fs::remove(log);
+        const Outcome outcome =
+            RunProgram(program, {"/hcmode=postdatupdate", "/datupdatestatus=0", "/logfile=" + WindowsPath(log)}, log,
+                       {"VXEAACA_RECORD=" + WindowsPath(record)});
+        const std::string module = WindowsPath(ScratchFolder() / "vxeaaca.dll");
+        EXPECT_EQ(outcome.Logged(" WARN: A module of the product is not used: " + module +
+                                 ": its publisher is not this program's"),
+                  signer == "server-a");
+        EXPECT_EQ(fs::exists(record), signer == "code-signer");
+    }
 }
 
 TEST(Modules, WithoutOneItsStageFailsAndTheRunGoesOn)

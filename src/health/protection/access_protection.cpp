@@ -26,10 +26,10 @@ DWORD AacControlCreate(const wchar_t* clientId, IAacControl** control)
                 static_cast<DWORD>(converted));
         return static_cast<DWORD>(converted);
     }
-    void* interfacePointer = nullptr;
-    DWORD error = GetModuleInterface(kModule, L"AacControl6", true, &interfacePointer);
+    const ModuleInterface found = GetModuleInterface(kModule, L"AacControl6", true);
+    DWORD error = found.error;
     if (error == ERROR_SUCCESS) {
-        *control = static_cast<IAacControl*>(interfacePointer);
+        *control = static_cast<IAacControl*>(found.pointer);
         error = *control ? (*control)->Create(client) : ERROR_INVALID_DATA;
     }
     if (error != ERROR_SUCCESS) {

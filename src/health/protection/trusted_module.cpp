@@ -1,20 +1,20 @@
 #include "health/protection/trusted_module.h"
 
 #include "health/protection/aac_control.h"
+#include "health/protection/module_trust.h"
+#include "health/protection/signature.h"
 #include "platform/dynamic_function.h"
-#include "platform/modules/wintrust.h"
+#include "platform/open_file.h"
 #include "platform/program.h"
 #include "platform/registry.h"
+#include "platform/text.h"
 #include "run/log/logging.h"
-
-#include <softpub.h>
-#include <wintrust.h>
 
 #include <algorithm>
 #include <array>
 #include <cwchar>
 #include <iterator>
-#include <optional>
+#include <utility>
 #include <vector>
 
 namespace vantor {
@@ -27,6 +27,7 @@ constexpr const wchar_t* kInterfaceNames[] = {L"AacControl6", L"AacControl5", L"
 struct SearchPlace {
     std::wstring directory;
     const wchar_t* announcement = nullptr;
+    bool isCurrentFolder = false;
 };
 
 std::wstring CurrentDirectory()
@@ -47,39 +48,36 @@ std::vector<SearchPlace> SearchPlaces()
     const std::wstring program = ProgramPath().value_or(L"");
     places.push_back({program.substr(0, std::min(program.rfind(L'\\'), program.size())),
                       L"NCPrivateLoadAndValidateVPTDll: Looking in EXE directory\n"});
-    places.push_back({CurrentDirectory(), L"NCPrivateLoadAndValidateVPTDll: Looking in current directory\n"});
+    places.push_back({CurrentDirectory(), L"NCPrivateLoadAndValidateVPTDll: Looking in current directory\n", true});
     return places;
 }
 
-/// "C:\..." or "\\server\...": anything else would depend on the current directory.
-bool IsAbsolute(const std::wstring& path)
+/// "C:\..." on no mapped drive. Anything else would depend on the current folder, or show this host's account to another.
+bool IsOnLocalDrive(const std::wstring& path)
 {
-    return path.starts_with(L"\\\\") || (path.size() > 2 && path[1] == L':' && path[2] == L'\\');
+    return path.size() > 2 && path[1] == L':' && path[2] == L'\\' &&
+           ::GetDriveTypeW(path.substr(0, 3).c_str()) != DRIVE_REMOTE;
 }
 
-/// What WinVerifyTrust says of an open file; 0 for trusted. Asks nobody on the network.
-LONG VerifySignature(const std::wstring& path, HANDLE file)
+/// A file as it is opened to be checked: nobody writes, renames or deletes it until it is closed.
+FileHandle OpenToCheck(const std::wstring& path)
 {
-    WINTRUST_FILE_INFO fileInfo{};
-    fileInfo.cbStruct = sizeof(fileInfo);
-    fileInfo.pcwszFilePath = path.c_str();
-    fileInfo.hFile = file;
+    return FileHandle(::CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
+                                    FILE_ATTRIBUTE_NORMAL | kAnonymous, nullptr));
+}
 
-    WINTRUST_DATA data{};
-    data.cbStruct = sizeof(data);
-    data.dwUIChoice = WTD_UI_NONE;
-    data.fdwRevocationChecks = WTD_REVOKE_NONE;
-    data.dwUnionChoice = WTD_CHOICE_FILE;
-    data.pFile = &fileInfo;
-    data.dwStateAction = WTD_STATEACTION_VERIFY;
-    data.dwProvFlags = WTD_CACHE_ONLY_URL_RETRIEVAL;
+/// Who signed this program; empty when nobody did.
+std::wstring ReadOwnPublisher()
+{
+    const std::wstring path = ProgramPath().value_or(L"");
+    const FileHandle file = OpenToCheck(path);
+    return file ? ReadSignature(path, file.Get()).publisher : std::wstring();
+}
 
-    GUID action = WINTRUST_ACTION_GENERIC_VERIFY_V2;
-    const auto noWindow = static_cast<HWND>(INVALID_HANDLE_VALUE);
-    const LONG result = wintrust::WinVerifyTrust(noWindow, &action, &data);
-    data.dwStateAction = WTD_STATEACTION_CLOSE;
-    wintrust::WinVerifyTrust(noWindow, &action, &data);
-    return result;
+const LoaderFacts& Loader()
+{
+    static const LoaderFacts facts{ReadOwnPublisher(), ProcessUser()}; // no run changes them
+    return facts;
 }
 
 void ReportDistrust(const std::wstring& path, LONG result)
@@ -91,94 +89,113 @@ void ReportDistrust(const std::wstring& path, LONG result)
     ::OutputDebugStringW(text.data());
 }
 
-/// Loads the file if it is there and trusted; otherwise sets the error.
-Module LoadTrusted(const std::wstring& path, DWORD& error)
+/// How modules are loaded: with their own imports from System32 where Windows knows how to do that.
+DWORD LoadFlags()
 {
-    constexpr DWORD kImportsFromSystem32 = 0x800; // LOAD_LIBRARY_SEARCH_SYSTEM32
-
-    // Held until the module is loaded, so that nobody swaps the file behind the check.
-    const FileHandle file(::CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                                        FILE_ATTRIBUTE_NORMAL, nullptr));
-    if (!file) {
-        error = ::GetLastError();
-        return {};
-    }
-    if (const LONG distrust = VerifySignature(path, file.Get()); distrust != 0) {
-        ReportDistrust(path, distrust);
-        error = static_cast<DWORD>(distrust);
-        return {};
-    }
-    Module module(::LoadLibraryExW(path.c_str(), nullptr, kImportsFromSystem32));
-    error = module ? ERROR_SUCCESS : ::GetLastError();
-    return module;
+    return KnowsDllSearchFlags() ? LOAD_LIBRARY_SEARCH_SYSTEM32 : LOAD_WITH_ALTERED_SEARCH_PATH;
 }
 
-/// One version of the interface from the module. Whether the module was there to be asked is told apart: without it
-/// no other version is to be had either.
-DWORD AskModule(const std::wstring& fileName, const wchar_t* interfaceName, void** interfacePointer, bool& asked)
+/// Loads the file if it is there and trusted.
+LoadedModule LoadTrusted(const std::wstring& path, bool isInCurrentFolder)
 {
-    asked = false;
-    DWORD error = ERROR_SUCCESS;
-    const Module module = NCPrivateLoadAndValidateVPTDll(fileName, error);
-    if (!module) {
-        return error != ERROR_SUCCESS ? error : ERROR_FILE_NOT_FOUND;
+    const FileHandle file = OpenToCheck(path); // held until the module is loaded
+    if (!file) {
+        return {{}, ::GetLastError()};
     }
-    const auto getInterface = FindFunction<NotComDllGetInterfaceFunction>(module.Get(), "NotComDllGetInterface");
+    const Signature signature = ReadSignature(path, file.Get());
+    if (signature.verdict != 0) {
+        ReportDistrust(path, signature.verdict);
+        return {{}, static_cast<DWORD>(signature.verdict)};
+    }
+    const ModuleFacts facts{ReadFileFacts(file.Get()), signature.publisher, isInCurrentFolder};
+    if (const char* const fault = DescribeModuleFault(facts, Loader())) {
+        LogWarning("A module of the product is not used: " + ToNarrow(path) + ": " + fault);
+        return {{}, static_cast<DWORD>(TRUST_E_SUBJECT_NOT_TRUSTED)};
+    }
+    // By its final path: a folder or drive on the way to it may have become a link to another file since.
+    Module module(::LoadLibraryExW(LocalPath(facts.file)->c_str(), nullptr, LoadFlags()));
+    const DWORD error = module ? ERROR_SUCCESS : ::GetLastError();
+    return {std::move(module), error};
+}
+
+/// What a module answered.
+struct Answer {
+    ModuleInterface result;
+    bool wasAsked = false; ///< the module was there: another version may be had where this one fails
+};
+
+Answer AskModule(const std::wstring& fileName, const wchar_t* interfaceName)
+{
+    const LoadedModule loaded = NCPrivateLoadAndValidateVPTDll(fileName);
+    if (!loaded.module) {
+        return {{loaded.error != ERROR_SUCCESS ? loaded.error : ERROR_FILE_NOT_FOUND}};
+    }
+    const auto getInterface = FindFunction<NotComDllGetInterfaceFunction>(loaded.module.Get(), "NotComDllGetInterface");
     if (!getInterface) {
-        return ::GetLastError();
+        return {{::GetLastError()}};
     }
-    asked = true;
-    return getInterface(interfaceName, interfacePointer);
+    Answer answer{{}, true};
+    answer.result.error = getInterface(interfaceName, &answer.result.pointer);
+    return answer;
+}
+
+/// The version that is asked for, then, where fallback is allowed, the older ones.
+std::vector<const wchar_t*> VersionsToAskFor(const wchar_t* interfaceName, bool allowFallback)
+{
+    std::vector<const wchar_t*> names{interfaceName};
+    const auto* const known = std::find_if(std::begin(kInterfaceNames), std::end(kInterfaceNames),
+                                           [&](const wchar_t* name) { return std::wcscmp(name, interfaceName) == 0; });
+    if (allowFallback && known != std::end(kInterfaceNames)) {
+        names.insert(names.end(), known + 1, std::end(kInterfaceNames));
+    }
+    return names;
 }
 
 } // namespace
 
-Module NCPrivateLoadAndValidateVPTDll(const std::wstring& fileName, DWORD& error)
+LoadedModule NCPrivateLoadAndValidateVPTDll(const std::wstring& fileName)
 {
-    error = ERROR_SUCCESS;
-    if (const std::string missing = wintrust::module.FindMissing(); !missing.empty()) {
+    if (const std::string missing = FindMissingForSignatures(); !missing.empty()) {
         LogWarning("No module of the product can be checked: this Windows lacks " + missing);
-        error = ERROR_MOD_NOT_FOUND;
-        return {};
+        return {{}, ERROR_MOD_NOT_FOUND};
     }
+    DWORD firstError = ERROR_SUCCESS;
     for (const SearchPlace& place : SearchPlaces()) {
         if (place.announcement) {
             ::OutputDebugStringW(place.announcement);
         }
         const std::wstring path = place.directory + L'\\' + fileName;
-        if (!IsAbsolute(path)) {
+        if (!IsOnLocalDrive(path)) {
             continue;
         }
-        DWORD placeError = ERROR_SUCCESS;
-        if (Module module = LoadTrusted(path, placeError)) {
-            error = ERROR_SUCCESS;
-            return module;
+        LoadedModule loaded = LoadTrusted(path, place.isCurrentFolder);
+        if (loaded.module) {
+            return loaded;
         }
-        const bool isAbsent = placeError == ERROR_FILE_NOT_FOUND || placeError == ERROR_PATH_NOT_FOUND;
-        if (error == ERROR_SUCCESS && !isAbsent) {
-            error = placeError; // the first file that was there explains best
+        const bool isAbsent = loaded.error == ERROR_FILE_NOT_FOUND || loaded.error == ERROR_PATH_NOT_FOUND;
+        if (firstError == ERROR_SUCCESS && !isAbsent) {
+            firstError = loaded.error; // the first file that was there explains best
         }
     }
-    return {};
+    return {{}, firstError};
 }
 
-DWORD GetModuleInterface(const std::wstring& fileName, const wchar_t* interfaceName, bool allowFallback,
-                         void** interfacePointer)
+ModuleInterface GetModuleInterface(const std::wstring& fileName, const wchar_t* interfaceName, bool allowFallback)
 {
     constexpr std::size_t kNameLimit = 32768;
 
     if (fileName.size() >= kNameLimit) {
-        return ERROR_INVALID_PARAMETER;
+        return {ERROR_INVALID_PARAMETER};
     }
-    const auto* name = std::find_if(std::begin(kInterfaceNames), std::end(kInterfaceNames),
-                                    [&](const wchar_t* known) { return std::wcscmp(known, interfaceName) == 0; });
-    bool asked = false;
-    DWORD error = AskModule(fileName, interfaceName, interfacePointer, asked);
-    while (error != ERROR_SUCCESS && asked && allowFallback && name != std::end(kInterfaceNames) &&
-           ++name != std::end(kInterfaceNames)) {
-        error = AskModule(fileName, *name, interfacePointer, asked);
+    ModuleInterface result;
+    for (const wchar_t* const name : VersionsToAskFor(interfaceName, allowFallback)) {
+        const Answer answer = AskModule(fileName, name);
+        result = answer.result;
+        if (result.error == ERROR_SUCCESS || !answer.wasAsked) {
+            break;
+        }
     }
-    return error;
+    return result;
 }
 
 } // namespace vantor

@@ -105,13 +105,13 @@ TEST(TrustedModule, IsUsedOnlyWithAWholeSignatureAndTheExport)
             expected += "NotComDllGetInterface: " + ToNarrow(*ProgramPath()) + " loading " +
                         std::filesystem::absolute(kModule).string() + ", WinVerifyTrust failed with " + distrust + "\n";
         }
-        void* result = nullptr;
         debugOutput.clear();
         writeError = 0;
-        EXPECT_EQ(GetModuleInterface(kModule, L"AacControl6", false, &result), error);
+        const ModuleInterface result = GetModuleInterface(kModule, L"AacControl6", false);
+        EXPECT_EQ(result.error, error);
         EXPECT_EQ(debugOutput, expected);
         EXPECT_EQ(writeError, distrust.empty() ? 0 : DWORD{ERROR_SHARING_VIOLATION}); // held while it is checked
-        EXPECT_EQ(result != nullptr, error == ERROR_SUCCESS);
+        EXPECT_EQ(result.pointer != nullptr, error == ERROR_SUCCESS);
         EXPECT_EQ(::GetModuleHandleW(kModule) != nullptr, error == ERROR_SUCCESS);
     }
     ::RemoveVectoredExceptionHandler(handler);
@@ -120,19 +120,18 @@ TEST(TrustedModule, IsUsedOnlyWithAWholeSignatureAndTheExport)
 TEST(TrustedModule, IsAskedForOlderVersionsIfThatIsAllowed)
 {
     std::string asked;
-    void* result = nullptr;
     for (const std::string only :
          {"AacControl6", "AacControl5", "AacControl4", "AacControl3", "AacControl2", "AacControl", "none"}) {
         const Scratch scratch(L"signed", only.c_str());
         asked += only == "none" ? "" : "NotComDllGetInterface " + only + "\n";
-        EXPECT_EQ(GetModuleInterface(kModule, L"AacControl6", true, &result), only == "none" ? ERROR_NOT_SUPPORTED : 0);
+        EXPECT_EQ(GetModuleInterface(kModule, L"AacControl6", true).error, only == "none" ? ERROR_NOT_SUPPORTED : 0);
         EXPECT_EQ(Scratch::Record(), asked);
     }
     const Scratch scratch(L"signed", "AacControl5");
-    EXPECT_EQ(GetModuleInterface(kModule, L"AacControl6", false, &result), DWORD{ERROR_NOT_SUPPORTED});
+    EXPECT_EQ(GetModuleInterface(kModule, L"AacControl6", false).error, DWORD{ERROR_NOT_SUPPORTED});
     EXPECT_EQ(Scratch::Record(), "NotComDllGetInterface AacControl6\n");
-    EXPECT_EQ(GetModuleInterface(std::wstring(32768, L'x'), L"AacControl6", true, &result), ERROR_INVALID_PARAMETER);
-    EXPECT_NE(GetModuleInterface(std::wstring(32767, L'x'), L"AacControl6", true, &result), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(GetModuleInterface(std::wstring(32768, L'x'), L"AacControl6", true).error, ERROR_INVALID_PARAMETER);
+    EXPECT_NE(GetModuleInterface(std::wstring(32767, L'x'), L"AacControl6", true).error, ERROR_INVALID_PARAMETER);
 }
 
 /// Asks for a file, a key and a key's values, and ends the exclusion. "+" for each that was granted, "-" for others.
