@@ -179,6 +179,20 @@ TEST_F(TracesTest, TheRunBeforeAnUpdateStartsATraceAndTheRunAfterItStopsIt)
                                         "TRACE: Stopping etl tracing..."}));
 }
 
+TEST_F(TracesTest, AFolderThatIsALinkGetsNoTraceAndLosesNone)
+{
+    MakeTraces(12);
+    const fs::path elsewhere = ScratchFolder() / "elsewhere";
+    fs::rename(m_folder, elsewhere);
+    fs::create_directory_symlink(elsewhere, m_folder);
+    const Outcome outcome = RunUnderUpdater({"/hcmode=predatupdate"});
+    fs::remove(m_folder);
+    EXPECT_EQ(std::distance(fs::directory_iterator(elsewhere), fs::directory_iterator()), 13);
+    EXPECT_TRUE(outcome.Logged(" WARN: No trace is written into a folder that is a link or lies behind one: "
+                               "C:\\ProgramData\\Vexora\\Agent\\Logs\\"));
+    EXPECT_EQ(outcome.log.back(), "ERROR: Delete of old log failed, so cannot proceed");
+}
+
 TEST_F(TracesTest, TheOldestGoUntilNineAreLeft)
 {
     MakeTraces(9);
