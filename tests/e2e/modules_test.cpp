@@ -52,8 +52,8 @@ TEST(Modules, PlantedOnesAreNotLoaded)
 void SignProgram(const std::string& signer, const fs::path& copy)
 {
     const std::string key = VANTOR_PKI_DIRECTORY "/" + signer;
-    const std::string command = "osslsigncode sign -certs " + key + ".pem -key " + key +
-                                ".key -h sha256 -in " VANTOR_PROGRAM " -out '" + copy.string() + "' >/dev/null";
+    const std::string command = "osslsigncode sign -certs " + key + ".pem -key " + key + ".key -h sha256 -in '" +
+                                WindowsTree("vantor.exe") + "' -out '" + copy.string() + "' >/dev/null";
     fs::remove(copy);
     ASSERT_EQ(std::system(command.c_str()), 0);
 }
@@ -63,7 +63,7 @@ TEST(Modules, TheProductsOwnMustBeOfTheProgramsPublisher)
     const fs::path program = ScratchFolder() / "vantor.exe";
     const fs::path log = ScratchFolder() / "signed.log";
     const fs::path record = ScratchFolder() / "record.txt";
-    fs::copy_file(VANTOR_TEST_MODULES "/modules/signed/vxeaaca.dll", ScratchFolder() / "vxeaaca.dll");
+    fs::copy_file(WindowsTree("tests/modules/signed/vxeaaca.dll"), ScratchFolder() / "vxeaaca.dll");
     for (const std::string signer : {"server-a", "code-signer"}) { // the module's is the second
         SCOPED_TRACE(signer);
         SignProgram(signer, program);
