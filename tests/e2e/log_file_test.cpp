@@ -57,7 +57,7 @@ TEST(LogFile, ThatCannotBeWrittenDoesNotStopTheRun)
     std::filesystem::create_hard_link(linked, ScratchFolder() / "vantor.log");
     // A folder, a missing one, a name that Windows refuses, a full disk, one that fails every write, devices, and a
     // second name of another's file.
-    for (const std::string path :
+    for (const std::string& path :
          {std::string("C:\\windows"), std::string("C:\\no such folder\\x.log"), std::string("C:\\no?name.log"),
           std::string("Z:\\dev\\full"), std::string("Z:\\proc\\version"), std::string("NUL"),
           WindowsPath(ScratchFolder() / "vantor.log")}) {
