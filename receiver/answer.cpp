@@ -85,6 +85,8 @@ void Misbehave(const Behaviour& behaviour, const SSL* connection, httplib::Respo
     }
     if (behaviour.bodyBytes) {
         response.body.assign(*behaviour.bodyBytes, 'x');
+    } else if (!behaviour.body.empty()) {
+        response.body = behaviour.body;
     } else if (response.status == 204 || response.status == 304) { // these have none
         response.body.clear();
     }

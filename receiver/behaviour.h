@@ -23,6 +23,7 @@ struct Behaviour {
     std::optional<int> status;                   ///< instead of 200 or 400
     std::chrono::milliseconds delay{0};          ///< before anything of the answer
     std::optional<std::size_t> bodyBytes;        ///< a body of so many bytes 'x' instead of the usual one
+    std::string body;                            ///< these bytes instead of the usual body, when there are any
     bool chunked = false;                        ///< chunks instead of a Content-Length
     bool unframed = false;                       ///< neither: the end of the connection ends the body
     bool endless = false;                        ///< the body comes again and again until the client leaves

@@ -10,7 +10,7 @@ vantor_test(vantor_core_tests
     telemetry/winhttp/code_names_test.cpp
     telemetry/payload_text_test.cpp)
 vantor_discover(vantor_core_tests)
-target_link_libraries(vantor_core_tests PRIVATE vantor_core)
+target_link_libraries(vantor_core_tests PRIVATE vantor_core $<$<BOOL:${WIN32}>:shell32>)
 target_compile_definitions(vantor_core_tests PRIVATE VANTOR_SOURCE_DIRECTORY="${PROJECT_SOURCE_DIR}")
 
 vantor_test(vantor_inspect_tests
@@ -40,7 +40,7 @@ if(WIN32)
     # The Task Scheduler, as a server that COM loads in the place of Windows' own.
     add_library(task_scheduler MODULE stand_ins/task_scheduler.cpp)
     set_target_properties(task_scheduler PROPERTIES PREFIX "" WINDOWS_EXPORT_ALL_SYMBOLS ON)
-    target_link_libraries(task_scheduler PRIVATE taskschd)
+    target_link_libraries(task_scheduler PRIVATE taskschd oleaut32)
     vantor_strict(task_scheduler)
 
     # The program's connection with settings that no option gives.

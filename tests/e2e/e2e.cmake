@@ -14,7 +14,7 @@ vantor_test(vantor_e2e_tests
     e2e/relay.cpp
     e2e/repairs_test.cpp
     e2e/schedule_test.cpp)
-target_link_libraries(vantor_e2e_tests PRIVATE vantor_receiver_lib vantor_httplib)
+target_link_libraries(vantor_e2e_tests PRIVATE vantor_receiver_lib vantor_inspect_lib vantor_httplib)
 target_compile_definitions(vantor_e2e_tests PRIVATE
     VANTOR_SOURCE_DIRECTORY="${PROJECT_SOURCE_DIR}"
     VANTOR_PKI_DIRECTORY="${VANTOR_PKI_DIRECTORY}"

@@ -2,6 +2,7 @@
 #include "e2e/local_receiver.h"
 #include "e2e/program.h"
 #include "e2e/relay.h"
+#include "inspect/inspect_command.h"
 
 #include <gtest/gtest.h>
 #include <httplib.h>
@@ -169,6 +170,30 @@ TEST(Proxies, EachKindWithEachKindOfCredentials)
     for (std::string row; std::getline(rows, row);) {
         std::cout << (row.starts_with("scripted | ") ? row + '\n' : "");
     }
+}
+
+TEST(Proxies, NobodyElseWritesALineOfTheLog)
+{
+    const std::string stamp = "26/11/21 08:41:36: ";
+    std::string proxy = "box", reply = "reply";
+    for (const char* lineEnd : {"\r\n", "\n", "\r"}) {
+        proxy += lineEnd + stamp + "ERROR: x";
+        reply += lineEnd + stamp + "TRACE: Entering GetConfig" + lineEnd + stamp + "ERROR: Error: x";
+    }
+    SetRegistry(Settings(true, 3, {proxy, ""}));
+    LocalReceiver receiver;
+    receiver.SetBehaviour({.body = reply});
+    const auto log = ScratchFolder() / "run.log";
+    RunProgram(VANTOR_PROGRAM, {"/hcmode=periodic", "/logfile=" + WindowsPath(log)}, log);
+    std::ifstream file(log, std::ios::binary);
+    const std::string text(std::istreambuf_iterator<char>(file), {});
+    const std::regex invented("(^|\r\n|\n|\r)" + stamp), quoted("(\r\n|\n|\r) " + stamp);
+    EXPECT_EQ(std::distance(std::sregex_iterator(text.begin(), text.end(), invented), {}), 0);
+    EXPECT_GE(std::distance(std::sregex_iterator(text.begin(), text.end(), quoted), {}), 9);
+    std::ostringstream shown, problems;
+    EXPECT_EQ(inspect::RunInspect({log}, file, shown, problems), 0) << problems.str();
+    EXPECT_TRUE(shown.str().starts_with("run 1 of 1,")) << shown.str();
+    EXPECT_NE(shown.str().find("pulse was delivered through the detected proxy box"), std::string::npos) << shown.str();
 }
 
 TEST(Proxies, ASquidThatAsksForCredentialsGetsThemAndWrongOnesOnce)

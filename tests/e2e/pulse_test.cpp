@@ -134,7 +134,7 @@ TEST_F(PulseTest, WhateverTheReplyTheRunEndsAndItsLogTells)
         {{.bodyBytes = 1000, .chunked = true, .cut = CutPoint::inBody}, "Response data: x"},
         {{.bodyBytes = 1000, .chunked = true, .endless = true},
          " WARN: HttpRequest::ReadPayload: The reply is cut after"},
-        {{.bodyBytes = 1000, .unframed = true, .endless = true}, "The reply is cut after 16777000 bytes"},
+        {{.bodyBytes = 1000, .unframed = true, .endless = true}, "The reply is cut after 1048000 bytes"},
         {{.bodyBytes = 9, .pieceDelay = std::chrono::milliseconds(100)}, "Response data: xxxxxxxxx"},
     };
     LocalReceiver receiver;

@@ -9,6 +9,20 @@ void AppendTwoDigits(std::string& text, unsigned value)
     text += static_cast<char>('0' + value % 10);
 }
 
+/// The text with a blank behind each of its line ends: CR LF, LF, or a CR alone.
+std::string Indented(std::string_view text)
+{
+    std::string indented;
+    for (std::size_t index = 0; index < text.size(); ++index) {
+        indented += text[index];
+        const bool isHalf = text.substr(index, 2) == "\r\n";
+        if (!isHalf && (text[index] == '\r' || text[index] == '\n')) {
+            indented += ' ';
+        }
+    }
+    return indented;
+}
+
 } // namespace
 
 std::string_view LevelPrefix(LogLevel level)
@@ -50,7 +64,7 @@ std::string FormatLogLine(std::chrono::sys_seconds time, LogLevel level, std::st
     std::string line = FormatTimestamp(time);
     line += ": ";
     line += LevelPrefix(level);
-    line += message;
+    line += Indented(message);
     line += "\r\n";
     return line;
 }

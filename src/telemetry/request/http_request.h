@@ -104,7 +104,7 @@ public:
     /// certificate where the send had none to judge and the answer is not the proxy's 407.
     DWORD AcceptResponse();
 
-    /// Receives the answer unless that is done, then reads status, headers and body. A body over 16 MiB, or one that
+    /// Receives the answer unless that is done, then reads status, headers and body. A body over 1 MiB, or one that
     /// takes over 60 seconds, is cut there with a warning.
     DWORD ReadResponse(HttpResponse& response);
 

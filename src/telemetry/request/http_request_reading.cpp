@@ -1,4 +1,5 @@
 // The second half of HttpRequest: receiving and reading the answer.
+#include "run/log/log_texts.h"
 #include "telemetry/request/http_request.h"
 
 #include "platform/last_error.h"
@@ -10,9 +11,9 @@
 namespace vantor {
 namespace {
 
-/// A reply of ours is a few bytes; a server that never ends must exhaust neither memory nor time. WinHTTP's time-outs
-/// bound each read alone, so the deadline is checked between reads.
-constexpr std::size_t kReplyLimitBytes = 1 << 24;
+/// A reply of ours is a few bytes; a server that never ends must exhaust neither memory nor time, nor fill the disk
+/// through the log. WinHTTP's time-outs bound each read alone, so the deadline is checked between reads.
+constexpr std::size_t kReplyLimitBytes = 1 << 20;
 constexpr std::uint64_t kReadDeadlineMs = 60'000;
 constexpr std::size_t kSmallestBuffer = 32768;
 
@@ -41,7 +42,7 @@ DWORD HttpRequest::AcceptResponse()
 
 DWORD HttpRequest::ReadResponse(HttpResponse& response)
 {
-    const TracedOperation log = Trace("HttpRequest::ReadResponse");
+    const TracedOperation log = Trace(texts::kHttpRequestReadResponse);
     DWORD result = AcceptResponse();
     if (result == ERROR_SUCCESS) {
         result = ReadHeaders(response.status, response.headers);
@@ -79,7 +80,7 @@ DWORD HttpRequest::ReadHeaders(DWORD& status, std::wstring& headers)
         return result;
     }
     headers.resize(std::min(size / sizeof(wchar_t), headers.size())); // the second answer does not count the final NUL
-    log.Trace("Response headers: " + ToNarrow(headers));
+    log.Trace(texts::kResponseHeaders + ToNarrow(headers));
     return ERROR_SUCCESS;
 }
 
