@@ -2,6 +2,7 @@
 // line for every call that went into them. Every interface is the same kind of object: each slot of its table leads to
 // Call. x64 passes arguments as if they stood behind "...", and a VARIANT by its address. Environment variables:
 //   TASKS       the root folder; the file TASKS.left tells how many objects there are after the latest release
+//   TASKS_OWNER whom each task belongs to, as "O:BU"; SYSTEM otherwise
 //   TASKS_FAIL  the method that fails with E_UNEXPECTED, such as "ITaskFolder::DeleteTask"
 #define CINTERFACE // declares the interfaces' tables
 #include <windows.h>
@@ -19,7 +20,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Arguments: t text, n number, v variant, o the object that is made, c the count of tasks, - not looked at.
+/// Arguments: t text, n number, v variant, o the object that is made, c the count of tasks, s the owner, - not looked at.
 const struct Method {
     const IID* owner;
     std::size_t slot;
@@ -33,6 +34,8 @@ const struct Method {
     {METHOD(ITaskService, GetFolder), "to", &IID_ITaskFolder},
     {METHOD(ITaskService, NewTask), "no", &IID_ITaskDefinition},
     {METHOD(ITaskFolder, GetFolder), "to", &IID_ITaskFolder},
+    {METHOD(ITaskFolder, GetTask), "to", &IID_IRegisteredTask},
+    {METHOD(IRegisteredTask, GetSecurityDescriptor), "ns"},
     {METHOD(ITaskFolder, GetTasks), "no", &IID_IRegisteredTaskCollection},
     {METHOD(IRegisteredTaskCollection, get_Count), "c"},
     {METHOD(ITaskFolder, DeleteTask), "tn"},
@@ -95,11 +98,17 @@ HRESULT Invoke(const Object& object, const Method& method, va_list arguments)
         } else if (kind == 'v') {
             const VARIANT& variant = *va_arg(arguments, const VARIANT*);
             line += variant.vt == VT_BSTR ? L" \"" + std::wstring(variant.bstrVal) + L'"' : L" none";
+        } else if (kind == 's') {
+            const wchar_t* const owner = ::_wgetenv(L"TASKS_OWNER");
+            *va_arg(arguments, BSTR*) = ::SysAllocString(owner ? owner : L"O:SY");
         } else if (kind == 'c') {
             *va_arg(arguments, LONG*) = static_cast<LONG>(std::distance(fs::directory_iterator(path), {}));
         } else if (Object** const out = va_arg(arguments, Object**); kind == 'o') {
             *out = new Object{.id = method.made, .path = path};
         }
+    }
+    if (method.name == "ITaskFolder::GetTask" || method.name == "IRegisteredTask::GetSecurityDescriptor") {
+        return fs::is_regular_file(path) ? S_OK : HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND); // it changes nothing
     }
     g_record = (method.name == "ITaskService::NewTask" ? L"" : g_record) + line + L'\n';
     if (method.name == "ITaskFolder::RegisterTaskDefinition") {

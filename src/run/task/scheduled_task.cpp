@@ -3,7 +3,9 @@
 #include "platform/com.h"
 #include "platform/program.h"
 #include "platform/text.h"
+#include "run/log/log_texts.h"
 #include "run/log/logging.h"
+#include "run/task/registration_checks.h"
 #include "run/task/task_schedule.h"
 
 #include <taskschd.h>
@@ -13,6 +15,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 namespace vantor {
 namespace {
@@ -126,6 +129,48 @@ void AddAction(const ComPointer<ITaskDefinition>& task, const std::string& argum
             "Cannot put action arguments: ", " arg: " + arguments);
 }
 
+/// Whether a drive is the machine's own: neither a share that somebody mapped, nor a folder that somebody's "subst" shows
+/// as a drive. Those are there for one account, or one session.
+bool IsOwnDrive(char letter)
+{
+    const std::wstring drive{static_cast<wchar_t>(letter), L':'};
+    const UINT type = ::GetDriveTypeW((drive + L'\\').c_str());
+    wchar_t device[MAX_PATH] = L"";
+    ::QueryDosDeviceW(drive.c_str(), device, MAX_PATH);
+    const bool isSubstitute = std::wstring_view(device).starts_with(L"\\??\\");
+    return type != DRIVE_REMOTE && type != DRIVE_NO_ROOT_DIR && !isSubstitute;
+}
+
+void WarnOfWhatTheNextRunMisses(const RunConfig& config)
+{
+    if (config.port != 0 && !ArePassedWhole(config)) {
+        LogWarning("The next run will not get /username and /password whole: one of them holds a blank, a tab or a "
+                   "quote.");
+    }
+    if (!config.logFile.empty() && !IsTheSameForEveryone(config.logFile, IsOwnDrive)) {
+        LogWarning("The next run, as SYSTEM, may write its log elsewhere: /logfile is not absolute, or on a share or a "
+                   "mapped drive.");
+    }
+}
+
+/// Deletes the task at this path unless it belongs to SYSTEM or Administrators. Registering keeps the owner, who could go
+/// on to change a task that runs as SYSTEM.
+void DeleteForeignTask(const ComPointer<ITaskFolder>& root, const std::wstring& path)
+{
+    ComPointer<IRegisteredTask> task;
+    const HRESULT found = CallWithText(root, &ITaskFolder::GetTask, path, task.Receive());
+    if (found == HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND) || found == HRESULT_FROM_WIN32(ERROR_PATH_NOT_FOUND)) {
+        return;
+    }
+    ComText descriptor;
+    if (SUCCEEDED(found) && SUCCEEDED(task->GetSecurityDescriptor(OWNER_SECURITY_INFORMATION, descriptor.Receive())) &&
+        IsOwnedByAdministrators({descriptor.Get(), ::SysStringLen(descriptor.Get())})) {
+        return;
+    }
+    LogWarning("Task " + ToNarrow(path) + " belongs neither to SYSTEM nor to Administrators. It is deleted first.");
+    Require(CallWithText(root, &ITaskFolder::DeleteTask, path, 0), "Cannot delete the task of another owner: ");
+}
+
 HRESULT Register(const Scheduler& scheduler, const ComPointer<ITaskDefinition>& task, const std::wstring& path)
 {
     const ComText user = MakeComText(L"SYSTEM");
@@ -156,7 +201,7 @@ void DeleteFolderIfEmpty(const ComPointer<ITaskFolder>& root, const std::wstring
         return;
     }
     Require(CallWithText(root, &ITaskFolder::DeleteFolder, path, 0), "Failed to delete the empty sub folder: " + name);
-    LogTrace("Success! Deleted the empty sub folder: " + name);
+    LogTrace(texts::kSuccess + std::string("Deleted the empty sub folder: ") + name);
 }
 
 } // namespace
@@ -168,6 +213,7 @@ void CreateTask(const RunConfig& config, bool isConsumerProduct, const std::wstr
     const auto now = std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
     const TaskWindow window = WindowAfter(now, next.delay, WindowsLocalTime);
     const std::string arguments = TaskArguments(config, next.count);
+    WarnOfWhatTheNextRunMisses(config);
     try {
         const Scheduler scheduler("Failed to create an instance of ITaskService: ", "Cannot get Root folder pointer: ");
         ComPointer<ITaskDefinition> task;
@@ -176,8 +222,9 @@ void CreateTask(const RunConfig& config, bool isConsumerProduct, const std::wstr
         SetUp(task, !config.continueRun);
         AddTrigger(task, window);
         AddAction(task, arguments);
+        DeleteForeignTask(scheduler.root, path);
         Require(Register(scheduler, task, path), "Error saving the Task : ");
-        LogTrace("Success! Task " + ToNarrow(path) + " successfully registered. ");
+        LogTrace(texts::kSuccess + ("Task " + ToNarrow(path)) + " successfully registered. ");
     } catch (const StepFailure& failure) {
         LogWarning(failure.what());
     }
@@ -190,7 +237,7 @@ void DeleteTask(const std::wstring& path)
         const Scheduler scheduler("Failed to create an instance of ITaskService:", "Cannot get Root Folder pointer: ");
         Require(CallWithText(scheduler.root, &ITaskFolder::DeleteTask, path, 0),
                 "Failed to delete " + name + " the scheduled task: ");
-        LogTrace("Success! Task " + name + " successfully deleted. ");
+        LogTrace(texts::kSuccess + ("Task " + name) + " successfully deleted. ");
         if (const std::size_t end = path.rfind(L'\\'); end != std::wstring::npos) {
             LogTrace("Given task name has a sub folder: " + name);
             DeleteFolderIfEmpty(scheduler.root, path.substr(0, end));

@@ -8,7 +8,8 @@
 namespace vantor {
 
 /// Registers the next run of the periodic series under this path of the Task Scheduler, in the place of the one that is
-/// registered there. It runs the program as SYSTEM; config decides when, and with which arguments, the flag the author.
+/// registered there; one that belongs neither to SYSTEM nor to Administrators is deleted first. It runs the program as
+/// SYSTEM; config decides when, and with which arguments, the flag the author. What the next run will miss is warned of.
 /// A step that fails is logged with its result code; nothing is registered then.
 void CreateTask(const RunConfig& config, bool isConsumerProduct, const std::wstring& path,
                 const std::wstring& description);

@@ -21,6 +21,14 @@ std::span<const seconds> Series(const RunConfig& config)
     return config.test ? std::span<const seconds>(kTestDelays) : std::span<const seconds>(kDelays);
 }
 
+/// The text as an argument in quotes. Backslashes before a quote would make it a part of the argument, so those at the
+/// end are doubled.
+std::string Quoted(const std::string& text)
+{
+    const std::size_t backslashes = text.size() - (text.find_last_not_of('\\') + 1); // npos + 1: all of them
+    return '"' + text + std::string(backslashes, '\\') + '"';
+}
+
 std::string Boundary(const std::tm& time)
 {
     char text[sizeof("2000-01-01T00:00:00")] = "";
@@ -58,7 +66,7 @@ std::string TaskArguments(const RunConfig& config, std::optional<std::uint8_t> n
 {
     std::string text = std::string(" /hcmode=") + kPeriodicMode;
     if (!config.logFile.empty()) {
-        text += " /logfile=\"" + config.logFile + '"';
+        text += " /logfile=" + Quoted(config.logFile);
     }
     if (config.restTest) {
         text += " /resttest";

@@ -1,13 +1,24 @@
 #include "run/task/task_schedule.h"
-#include "run/options/option_error.h"
+#include "run/options/options.h"
+#include "run/task/registration_checks.h"
 #include "run/task/task_description.h"
+#include "support/command_line.h"
+#include "support/recording_logger.h"
 
 #include <gtest/gtest.h>
 
+#ifdef _WIN32
+#include <windows.h>
+
+#include <shellapi.h>
+#endif
+
+#include <algorithm>
 #include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <random>
 #include <regex>
 
 namespace vantor {
@@ -57,6 +68,69 @@ TEST(TaskSchedule, TheNextRunGetsWhatItNeeds)
     const std::string behind = " /server=s /port=8080 /username=u /password=";
     EXPECT_EQ(TaskArguments(config, 2), before + " /periodicruncount=2 /test" + behind);
     EXPECT_EQ(TaskArguments(config, {}), before + " /continue" + behind);
+}
+
+/// The options of the run that these arguments start, as Windows and the program read them.
+RunConfig NextOptions(const std::string& arguments)
+{
+    RunConfig config;
+    RecordingLogger log;
+    const std::vector<std::string> words = SplitCommandLine(arguments);
+#ifdef _WIN32
+    int count = 0;
+    wchar_t** const real =
+        ::CommandLineToArgvW((L"x" + std::wstring(arguments.begin(), arguments.end())).c_str(), &count);
+    EXPECT_EQ(std::vector<std::wstring>(real + 1, real + count).size(), words.size()) << arguments;
+    for (std::size_t index = 0; index < words.size(); ++index) {
+        EXPECT_EQ(std::wstring(words[index].begin(), words[index].end()), real[index + 1]) << arguments;
+    }
+    ::LocalFree(real);
+#endif
+    ParseArguments(words, config, log);
+    return config;
+}
+
+TEST(TaskSchedule, TheNextRunGetsTheLogsPathAndWholeCredentialsAsTheyAre)
+{
+    std::mt19937 random(1);
+    const auto some = [&](std::string_view characters) {
+        std::string text(random() % 12, '\0');
+        std::ranges::generate(text, [&] { return characters[random() % characters.size()]; });
+        return text;
+    };
+    int whole = 0;
+    for (int round = 0; round < 3000; ++round) {
+        RunConfig config{.logFile = some("ab /=.\\\\\\"), .server = "s", .port = 1};
+        config.username = some("ab/=\\");
+        config.password = some(round % 2 == 0 ? "ab/=\\" : "ab/=\\ \t\"");
+        const std::string arguments = TaskArguments(config, 3);
+        const RunConfig next = NextOptions(arguments);
+        EXPECT_EQ(next.logFile, config.logFile);
+        EXPECT_EQ(next.periodicRunCount, 3) << arguments;
+        const bool same = next.username == config.username && next.password == config.password;
+        EXPECT_EQ(same, ArePassedWhole(config)) << arguments;
+        whole += same;
+    }
+    EXPECT_GT(whole, 1500);
+}
+
+TEST(TaskSchedule, APathThatOthersSeeOtherwiseAndATaskOfAnotherOwnerAreToldApart)
+{
+    const auto isOwnDrive = [](char letter) { return letter == 'C'; };
+    for (const char* path : {"C:\\a", "C:/a", "\\\\?\\C:\\a"}) {
+        EXPECT_TRUE(IsTheSameForEveryone(path, isOwnDrive)) << path;
+    }
+    for (const char* path :
+         {"M:\\a", "a.log", "\\a", "C:a", "\\\\box\\share\\a", "\\\\?\\UNC\\box\\a", "1:\\a", "C:\\"}) {
+        EXPECT_FALSE(IsTheSameForEveryone(path, isOwnDrive)) << path;
+    }
+    for (const wchar_t* owner : {L"O:SY", L"O:BAG:SYD:(A;;FA;;;BA)", L"O:S-1-5-18G:BA", L"O:S-1-5-32-544"}) {
+        EXPECT_TRUE(IsOwnedByAdministrators(owner)) << owner;
+    }
+    for (const wchar_t* owner :
+         {L"", L"O:", L"O::", L"O:BU", L"O:BAD", L"O:S-1-5-21-1-2-3-1001G:BA", L"G:BA", L"D:(A;;FA;;;BA)"}) {
+        EXPECT_FALSE(IsOwnedByAdministrators(owner)) << owner;
+    }
 }
 
 TEST(TaskSchedule, TheWindowLastsThreeDaysWhateverTheClockDoes)
