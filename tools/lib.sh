@@ -89,6 +89,8 @@ make_prefixes() {
 package_sets=(
     "build the local receiver and the native tests|g++ cmake ninja-build libcpp-httplib-dev nlohmann-json3-dev libssl-dev"
     "cross-build the Windows program|g++-mingw-w64-x86-64-posix"
+    "build the tests|googletest libgtest-dev libgmock-dev"
+    "sign the stand-in module|osslsigncode"
     "run the Windows program, TLS included|wine wine64 libgnutls30/libgnutls30t64"
     "make the local certificates|openssl"
     "give a run a network of its own|iproute2"
@@ -96,8 +98,6 @@ package_sets=(
 )
 # What ./check needs beside that.
 check_package_sets=(
-    "build the tests|googletest libgtest-dev libgmock-dev"
-    "sign the stand-in module|osslsigncode"
     "try the program behind a proxy and a name server|squid dnsmasq-base"
     "look at the receiver's page in a browser|chromium"
 )
