@@ -49,7 +49,7 @@ TEST(RegistryKey, ReadsEveryStateOfAValueAlike)
     EXPECT_EQ(key->SetDword(L"value", 1) + key->DeleteValue(L"value"), 2 * ERROR_ACCESS_DENIED);
 }
 
-TEST(Module, NamesTheFirstThingThatIsMissing)
+TEST(SystemModuleTest, NamesTheFirstThingThatIsMissing)
 {
     SystemModule kernel(L"kernel32.dll");
     const ModuleFunction<decltype(::GetTickCount64)> tickCount(kernel, "GetTickCount64");
