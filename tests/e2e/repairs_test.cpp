@@ -198,10 +198,12 @@ TEST_F(TracesTest, TheOldestGoUntilNineAreLeft)
     MakeTraces(9);
     EXPECT_TRUE(RunUnderUpdater({"/hcmode=predatupdate"}).Logged("TRACE: Starting etl tracing..."));
     EXPECT_EQ(Count(), 11); // a new one, which Wine leaves empty
+    fs::remove_all(m_folder);
+    fs::create_directories(m_folder);
     MakeTraces(13);
     const Outcome outcome = RunUnderUpdater({"/hcmode=predatupdate"});
     EXPECT_EQ(Count(), 11);
-    EXPECT_TRUE(fs::exists(Trace(7)) && fs::exists(m_folder / "a.log"));
+    EXPECT_TRUE(fs::exists(Trace(8)) && fs::exists(m_folder / "a.log"));
     EXPECT_TRUE(outcome.Logged("TRACE: ShouldStartETLTracing: " + kFailed));
 }
 
