@@ -5,6 +5,7 @@
 #include "health/probes/product_probes.h"
 #include "health/probes/text_probes.h"
 #include "health/record/content_version.h"
+#include "run/log/log_texts.h"
 #include "run/log/logging.h"
 #include "run/product/ipv6_preference.h"
 
@@ -78,7 +79,7 @@ HealthRecord CollectRecord(const RunConfig& config)
     record.arch = NativeMachine();
     bits.Set(ResultBit::ipv6, PrefersIpv6());
 
-    LogTrace("Sending: " + RenderHealthRecord(record));
+    LogTrace(texts::kSendingRecord + RenderHealthRecord(record));
     LogTrace("ResultBits: " + RenderTestResultBits(bits));
     return record;
 }

@@ -3,6 +3,7 @@
 #include "platform/text.h"
 #include "proxy/session/http_session_auto_proxy.h"
 #include "proxy/session/http_session_named_proxy.h"
+#include "run/log/log_texts.h"
 
 #include <utility>
 
@@ -32,7 +33,7 @@ void CHTTPProxyManager::InitConfig(const ProxyConfig& config)
     LogConfig(log);
 
     if (!m_host.config.m_address.empty()) {
-        log.Trace("setting current session type to NamedSessionProxy");
+        log.Trace(texts::kSessionTypeToNamedSessionProxy);
         m_currentSession = m_namedProxySession;
     } else if (m_host.config.m_wpadFlags == 0) {
         log.Trace("setting current session type to DirectSession");
@@ -52,8 +53,8 @@ void CHTTPProxyManager::LogConfig(const OperationLog& log) const
     text += " wpad config url: " + ToNarrow(m_host.config.m_wpadConfigUrl);
     text += " wpad auto logon: " + std::string(m_host.config.m_wpadAutoLogon ? "true" : "false");
     text += " username: " + ToNarrow(m_host.config.m_username);
-    text += " password: " + ToNarrow(m_host.config.m_password);
-    text += " authentication schemes: ";
+    text += texts::kPassword + ToNarrow(m_host.config.m_password);
+    text += texts::kAuthenticationSchemes;
     for (const std::uint32_t scheme : m_host.config.m_repAuthSchemes) {
         text += std::to_string(scheme) + " ";
     }
@@ -75,7 +76,7 @@ HINTERNET CHTTPProxyManager::OpenSession(std::uint32_t* timeout)
 bool CHTTPProxyManager::InitRequest(HINTERNET session, HttpRequest& request, const std::wstring& url,
                                     const ProxyAuthSchemePtr& scheme)
 {
-    const TracedOperation log(m_host.logger, "CHTTPProxyManager::InitRequest");
+    const TracedOperation log(m_host.logger, texts::kProxyManagerInitRequest);
     return m_host.http && m_currentSession && m_currentSession->InitRequest(session, request, url, scheme);
 }
 

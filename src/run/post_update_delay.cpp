@@ -1,5 +1,7 @@
 #include "run/post_update_delay.h"
 
+#include "run/log/log_texts.h"
+
 #include <string>
 
 namespace vantor {
@@ -17,7 +19,7 @@ void DelayAfterUpdate(const RunConfig& config, ILogger& log,
         log.Log(LogLevel::warning, "/delaypostdat out of range: " + value);
         return;
     }
-    log.Log(LogLevel::trace, "/delaypostdat waiting for " + value + " minutes.");
+    log.Log(LogLevel::trace, texts::kDelayWaitingFor + value + " minutes.");
     sleep(std::chrono::minutes(config.delayPostDat));
 }
 

@@ -4,6 +4,7 @@
 #include "health/repair/integrity_checks.h"
 #include "health/tracing/updater_tracing.h"
 #include "platform/program.h"
+#include "run/log/log_texts.h"
 #include "run/log/logging.h"
 #include "run/log/vantor_logging.h"
 #include "run/options/get_config.h"
@@ -29,20 +30,20 @@ void StartTracing(IEventTracing& tracing, TraceFolder& folder)
 {
     TraceProviders providers;
     if (const DWORD error = populateGUID(providers); error != ERROR_SUCCESS) {
-        LogError("Error: populateGUID FAILED!!: " + std::to_string(error));
+        LogError(texts::kPopulateGuidFailed + std::to_string(error));
     } else if (const DWORD started = StartLogging(providers, tracing, folder); started != ERROR_SUCCESS) {
-        LogError("Error: StartLogging FAILED!!: " + std::to_string(started));
+        LogError(texts::kStartLoggingFailed + std::to_string(started));
     } else {
-        LogTrace("Starting etl tracing...");
+        LogTrace(texts::kStartingEtlTracing);
     }
 }
 
 void StopTracing(IEventTracing& tracing, const TraceFolder& folder)
 {
     if (const DWORD error = StopLogging(tracing, folder); error != ERROR_SUCCESS) {
-        LogError("Error: StopLogging FAILED!!: " + std::to_string(error));
+        LogError(texts::kStopLoggingFailed + std::to_string(error));
     } else {
-        LogTrace("Stopping etl tracing...");
+        LogTrace(texts::kStoppingEtlTracing);
     }
 }
 
@@ -96,7 +97,7 @@ int RunPulse(int argc, const char* const* argv)
     try {
         RunStages(logging, argc, argv);
     } catch (const std::exception& error) {
-        LogError(std::string("Error: ") + error.what());
+        LogError(std::string(texts::kError) + error.what());
         std::fprintf(stderr, "Error: %s\n", error.what());
         return 1;
     }

@@ -1,5 +1,7 @@
 #include "telemetry/payload_text.h"
 
+#include "run/log/log_texts.h"
+
 namespace vantor {
 namespace {
 
@@ -19,7 +21,7 @@ void AddBare(std::string& text, std::string_view key, std::string_view value)
 
 std::string CiSectionText(const ClientIdentification& client)
 {
-    std::string text = R"({"ci":{"affid":")" + client.affid + '"';
+    std::string text = texts::kBodyBegins + (R"({"affid":")" + client.affid) + '"';
     AddString(text, "cid", client.cid);
     AddString(text, "cliid", client.cliid);
     if (client.xpoid != "0") {

@@ -5,6 +5,7 @@
 #include "platform/registry.h"
 #include "platform/text.h"
 #include "proxy/config/proxy_settings.h"
+#include "run/log/log_texts.h"
 #include "run/log/logging.h"
 #include "run/log/vantor_logging.h"
 #include "service_endpoints.h"
@@ -104,7 +105,7 @@ void LogConfiguration(const HttpConfig& http, const HttpTimeouts& timeouts, cons
     LogField("ProxyConfig.m_address", proxy.m_address);
     LogTrace("ProxyConfig.m_currentUser = " + PointerText(proxy.m_currentUser));
     LogField("ProxyConfig.m_dnsServer", proxy.m_dnsServer);
-    LogField("ProxyConfig.m_password", proxy.m_password);
+    LogField((std::string("ProxyConfig.") + texts::kPasswordField).c_str(), proxy.m_password);
     LogField("ProxyConfig.m_proxyTimeout", proxy.m_proxyTimeout);
     LogField("ProxyConfig.m_proxyTimeoutFallbackToDirect", proxy.m_proxyTimeoutFallbackToDirect);
     for (std::size_t index = 0; index < proxy.m_repAuthSchemes.size(); ++index) {
@@ -139,15 +140,15 @@ private:
 
 RESTTelemetry::RESTTelemetry(bool httpLogging, const RunConfig& config)
 {
-    const ScopeTrace scope("RESTTelemetry::RESTTelemetry");
+    const ScopeTrace scope(texts::kRestTelemetryConstructor);
     m_payload.emplace();
     try {
         Configure(httpLogging, config);
         m_initialised = true;
     } catch (const std::exception& error) {
-        LogError(std::string("Initialise failed: ") + error.what());
+        LogError(std::string(texts::kInitialiseFailed) + error.what());
     } catch (...) {
-        LogError("Initialise failed: unknown exception.");
+        LogError(texts::kInitialiseFailed + std::string("unknown exception."));
     }
 }
 
@@ -169,7 +170,7 @@ void RESTTelemetry::Configure(bool httpLogging, const RunConfig& config)
     const auto http = std::make_shared<HttpImplementation>(logger);
     settings.proxyCalls = WindowsProxyCalls();
     settings.pinnedCertificates =
-        ParseCertificates(PinnedIssuersPem(), OperationLog(logger, "RESTTelemetry::RESTTelemetry"));
+        ParseCertificates(PinnedIssuersPem(), OperationLog(logger, texts::kRestTelemetryConstructor));
 
     LogConfiguration(settings.http, settings.timeouts, settings.proxy);
     m_connection = std::make_shared<HttpConnection>(std::move(settings), http, logger);
@@ -177,17 +178,17 @@ void RESTTelemetry::Configure(bool httpLogging, const RunConfig& config)
 
 void RESTTelemetry::Send(const std::uint8_t* data, std::size_t size)
 {
-    const ScopeTrace scope("RESTTelemetry::Send");
+    const ScopeTrace scope(texts::kRestTelemetrySend);
     if (!m_initialised) {
-        LogError("Send telemetry failed: http not initialised");
+        LogError(texts::kSendTelemetryFailed + std::string(texts::kHttpNotInitialised));
         return;
     }
     if (!data || size == 0 || size > kReportLimitBytes) {
-        LogError("Send telemetry failed: invalid arguments: data=" + PointerText(data) +
+        LogError(texts::kSendTelemetryFailed + (texts::kInvalidArguments + PointerText(data)) +
                  ", size=" + std::to_string(size));
         return;
     }
-    LogTrace("RESTTelemetry::Send: Sending " + std::to_string(size) + " bytes.");
+    LogTrace(texts::kSendingBytes + std::to_string(size) + " bytes.");
 
     HttpResponse response;
     response.result = ERROR_NOT_READY;
@@ -195,10 +196,11 @@ void RESTTelemetry::Send(const std::uint8_t* data, std::size_t size)
         const std::string body = m_payload->CreatePostData({data, size});
         m_connection->Query({kReportPath, L"POST"}, {}, body, response);
     }
+    const std::string failed = std::string(texts::kRestTelemetrySend) + ": " + texts::kSendTelemetryFailed;
     if (response.result != ERROR_SUCCESS) {
-        LogError("RESTTelemetry::Send: Send telemetry failed. WinHTTP error: " + NamedWinHttpError(response.result));
+        LogError(failed + texts::kWinHttpError + NamedWinHttpError(response.result));
     } else if (response.status != HTTP_STATUS_OK) {
-        LogError("RESTTelemetry::Send: Send telemetry failed. WinHTTP status: " + std::to_string(response.status));
+        LogError(failed + texts::kWinHttpStatus + std::to_string(response.status));
     }
 }
 
@@ -207,7 +209,7 @@ bool HasTransport()
 {
     for (SystemModule* const module : {&winhttp::module, &crypt32::module}) {
         if (const std::string missing = module->FindMissing(); !missing.empty()) {
-            LogError("Send telemetry failed: this Windows lacks " + missing);
+            LogError(texts::kSendTelemetryFailed + (texts::kThisWindowsLacks + missing));
             return false;
         }
     }
@@ -218,7 +220,7 @@ bool HasTransport()
 
 void SendTelemetry(std::span<const std::uint8_t> report, const RunConfig& config)
 {
-    const ScopeTrace scope("SendTelemetry");
+    const ScopeTrace scope(texts::kSendTelemetry);
     if (!HasTransport()) {
         return;
     }
@@ -229,7 +231,7 @@ void SendTelemetry(std::span<const std::uint8_t> report, const RunConfig& config
         }
         telemetry.Send(report.data(), report.size());
     } catch (const std::exception& error) { // such as no memory for a reply: the run goes on without its report
-        LogError(std::string("Send telemetry failed: ") + error.what());
+        LogError(texts::kSendTelemetryFailed + (std::string(": ") + error.what()));
     }
 }
 

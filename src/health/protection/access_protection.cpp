@@ -1,6 +1,7 @@
 #include "health/protection/access_protection.h"
 
 #include "health/protection/trusted_module.h"
+#include "run/log/log_texts.h"
 #include "run/log/logging.h"
 
 #include <objbase.h>
@@ -43,7 +44,7 @@ DWORD AacControlCreate(const wchar_t* clientId, IAacControl** control)
 ScopedAccessProtectionExclusionObject::ScopedAccessProtectionExclusionObject() : m_result(Initialise())
 {
     if (m_result != ERROR_SUCCESS) {
-        LogCode("Failed in initialization of ScopedAccessProtectionExclusionObject.Error code :", m_result);
+        LogCode(texts::kFailedInInitializationOfExclusion, m_result);
     }
 }
 

@@ -5,6 +5,7 @@
 #include "platform/multi_string.h"
 #include "platform/registry.h"
 #include "platform/text.h"
+#include "run/log/log_texts.h"
 #include "run/log/logging.h"
 
 #include <string>
@@ -25,14 +26,14 @@ void RequestServiceAccess(ScopedAccessProtectionExclusionObject& exclusion)
     constexpr wchar_t kValues[] = L"HKLM\\System\\CurrentControlSet\\Services\\vxedisk\\**";
 
     if (exclusion.InitialisationResult() != 0) {
-        LogTrace("Failed on initialization scoped access protection exclusion object.");
+        LogTrace(texts::kFailedOnInitializationOfExclusion);
         return;
     }
     if (!exclusion.GetRegistryKeyAccessToProcess(kKey, kKeyAccess)) {
-        LogTrace("Failed on call GetRegistryKeyAccessToProcess().  Access requested for " + ToNarrow(kKey));
+        LogTrace(texts::kFailedOnCallGetRegistryKeyAccess + ("  Access requested for " + ToNarrow(kKey)));
     }
     if (!exclusion.GetRegistryValueAccessToProcess(kValues, kValueAccess)) {
-        LogTrace("Failed on call GetRegistryValueAccessToProcess(). Access requested for " + ToNarrow(kValues));
+        LogTrace(texts::kFailedOnCallGetRegistryValueAccess + (" Access requested for " + ToNarrow(kValues)));
     }
 }
 
@@ -103,7 +104,7 @@ std::uint32_t GetvxediskStartValue()
     const auto service = RegistryKey::Open(kServiceKey, kRead);
     const auto start = service ? service->QueryDword(L"Start") : std::nullopt;
     const std::uint32_t result = start.value_or(kUnreadableStart);
-    LogTrace("GetvxediskStartValue: " + std::to_string(result));
+    LogTrace(texts::kGetvxediskStartValue + std::to_string(result));
     return result;
 }
 
@@ -113,7 +114,7 @@ bool IsvxediskInUpperFilters()
         RegistryKey::Open(L"System\\CurrentControlSet\\Control\\Class\\{4d36e967-e325-11ce-bfc1-08002be10318}", kRead);
     const auto filters = key ? key->QueryData(L"UpperFilters", REG_MULTI_SZ) : std::nullopt;
     const bool result = filters && MultiStringContains(*filters, u"vxedisk");
-    LogTrace(std::string("IsvxediskInUpperFilters: ") + (result ? "1" : "0"));
+    LogTrace(std::string(texts::kIsvxediskInUpperFilters) + (result ? "1" : "0"));
     return result;
 }
 

@@ -3,6 +3,7 @@
 #include "health/protection/access_protection.h"
 #include "platform/process_list.h"
 #include "platform/text.h"
+#include "run/log/log_texts.h"
 #include "run/log/logging.h"
 #include "trace_providers.h"
 
@@ -50,7 +51,7 @@ bool TrimOldTraces(const TraceFolder& folder)
         return true;
     }
     ScopedAccessProtectionExclusionObject exclusion;
-    RequestFolderAccess(exclusion, folder, "ShouldStartETLTracing");
+    RequestFolderAccess(exclusion, folder, texts::kShouldStartEtlTracing);
     return TrimTraceFiles(folder, files);
 }
 
@@ -101,7 +102,7 @@ DWORD StartOrReuse(TraceProperties& trace, TRACEHANDLE& session, IEventTracing& 
         }
         return error;
     }
-    LogTrace("Logging session already exists. Reusing existing session.");
+    LogTrace(texts::kLoggingSessionAlreadyExists);
     if (const DWORD queried = tracing.Query(trace); queried != ERROR_SUCCESS) {
         LogError("The running session cannot be queried. Error:" + std::to_string(queried));
         return queried;
@@ -178,7 +179,7 @@ DWORD StartLogging(const TraceProviders& providers, IEventTracing& tracing, Trac
     constexpr DWORD kNothingToRecord = 0xFFFFFFFF;
 
     ScopedAccessProtectionExclusionObject exclusion;
-    RequestFolderAccess(exclusion, folder, "StartLogging");
+    RequestFolderAccess(exclusion, folder, texts::kStartLogging);
     const std::wstring name = NameForNow();
     auto trace = MakeProperties(folder, name);
     if (!trace) {
@@ -192,23 +193,23 @@ DWORD StartLogging(const TraceProviders& providers, IEventTracing& tracing, Trac
         return error;
     }
     EnableProviders(session, providers, tracing);
-    LogTrace("Now Logging.");
+    LogTrace(texts::kNowLogging);
     return ERROR_SUCCESS;
 }
 
 DWORD StopLogging(IEventTracing& tracing, const TraceFolder& folder)
 {
     ScopedAccessProtectionExclusionObject exclusion;
-    RequestFolderAccess(exclusion, folder, "StopLogging");
+    RequestFolderAccess(exclusion, folder, texts::kStopLogging);
     auto trace = MakeProperties(folder, NameForNow());
     if (!trace) {
         return ERROR_INVALID_DATA;
     }
     const DWORD error = tracing.Stop(*trace);
     if (error == ERROR_SUCCESS) {
-        LogTrace("Stopped logging");
+        LogTrace(texts::kStoppedLogging);
     } else if (error == ERROR_WMI_INSTANCE_NOT_FOUND) {
-        LogTrace("Cannot stop as no running instance exist with logger name:" + ToNarrow(kTraceLoggerName));
+        LogTrace(texts::kCannotStopAsNoRunningInstance + ToNarrow(kTraceLoggerName));
     } else {
         LogError("Errors/warnings during stop logging request Error:" + std::to_string(error));
     }

@@ -58,7 +58,7 @@ bool CHTTPSessionAutoProxy::InitProxy(HINTERNET session, HttpRequest& request, c
     }
     const ProxyInfo found = FindProxy(session, url, log);
     log.Trace("Autoproxy dwAccessType: " + std::to_string(found.accessType));
-    log.Trace("Autoproxy lpszProxy: " + TextOrNull(found.proxy));
+    log.Trace(texts::kAutoproxyLpszProxy + TextOrNull(found.proxy));
     log.Trace("Autoproxy lpszProxyBypass: " + TextOrNull(found.bypass));
 
     const bool hasBypass = found.bypass && *found.bypass.Get() != L'\0'; // WinHTTP takes none, but no empty one

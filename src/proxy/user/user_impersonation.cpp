@@ -1,6 +1,7 @@
 #include "proxy/user/user_impersonation.h"
 
 #include "proxy/user/logged_on_user.h"
+#include "run/log/log_texts.h"
 #include "run/log/operation_log.h"
 
 #include <utility>
@@ -72,7 +73,7 @@ void UserImpersonation::UnImpersonate() noexcept
     }
     if (!m_tokens->RevertToSelf()) {
         const DWORD error = ::GetLastError();
-        log.Error("RevertToSelf() failed. Windows error: " + std::to_string(error) +
+        log.Error(texts::kRevertToSelfFailed + std::to_string(error) +
                   ". The process ends here: nothing is safe to do as another user.");
         m_tokens->EndProcess();
     }

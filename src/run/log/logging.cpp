@@ -2,6 +2,7 @@
 
 #include "platform/owner.h"
 #include "run/log/log_line.h"
+#include "run/log/log_texts.h"
 #include "run/log/vantor_logging.h"
 
 #include <chrono>
@@ -41,12 +42,12 @@ void LogError(std::string_view message) noexcept
 
 ScopeTrace::ScopeTrace(std::string name) : m_name(std::move(name))
 {
-    LogTrace("Entering " + m_name);
+    LogTrace(texts::kEntering + m_name);
 }
 
 ScopeTrace::~ScopeTrace()
 {
-    LogTrace("Leaving " + m_name);
+    LogTrace(texts::kLeaving + m_name);
 }
 
 void LoggerImpl::Log(LogLevel level, std::string_view message) noexcept

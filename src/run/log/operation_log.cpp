@@ -1,5 +1,7 @@
 #include "run/log/operation_log.h"
 
+#include "run/log/log_texts.h"
+
 #include <utility>
 
 namespace vantor {
@@ -26,12 +28,12 @@ void OperationLog::Write(LogLevel level, std::string_view message) const
 TracedOperation::TracedOperation(std::shared_ptr<ILogger> logger, std::string_view operation)
     : OperationLog(std::move(logger), operation)
 {
-    WriteRaw(LogLevel::trace, "Enter: " + Operation());
+    WriteRaw(LogLevel::trace, texts::kEnter + Operation());
 }
 
 TracedOperation::~TracedOperation()
 {
-    WriteRaw(LogLevel::trace, "Exit : " + Operation());
+    WriteRaw(LogLevel::trace, texts::kExit + Operation());
 }
 
 } // namespace vantor

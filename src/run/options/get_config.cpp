@@ -4,6 +4,7 @@
 #include "platform/read_file.h"
 #include "platform/registry.h"
 #include "platform/text.h"
+#include "run/log/log_texts.h"
 #include "run/log/logging.h"
 #include "run/options/options.h"
 
@@ -62,7 +63,7 @@ void ReadRegistry(RunConfig& config)
 
 void GetConfig(RunConfig& config, int argc, const char* const* argv)
 {
-    const ScopeTrace scope("GetConfig");
+    const ScopeTrace scope(texts::kGetConfig);
     config = RunConfig();
     ReadSideFile(config);
     ReadRegistry(config);

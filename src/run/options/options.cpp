@@ -1,6 +1,7 @@
 #include "run/options/options.h"
 
 #include "platform/lower_case.h"
+#include "run/log/log_texts.h"
 #include "run/options/numbers.h"
 
 #include <limits>
@@ -51,7 +52,7 @@ constexpr Option kOptions[] = {
     {"/resttest", Value::none, SetFlag<&RunConfig::restTest>},
     {"/cleanstate", Value::none, SetFlag<&RunConfig::cleanState>},
     {"/continue", Value::none, SetFlag<&RunConfig::continueRun>},
-    {"/hcmode", Value::required, SetText<&RunConfig::hcmode>},
+    {texts::kHcmodeOption, Value::required, SetText<&RunConfig::hcmode>},
     {"/datver", Value::required, SetText<&RunConfig::datver>},
     {"/datupdatestatus", Value::required, SetUpdateStatus},
     {"/delaypostdat", Value::required, SetUnsigned<&RunConfig::delayPostDat>},
@@ -60,7 +61,7 @@ constexpr Option kOptions[] = {
     {"/server", Value::required, SetText<&RunConfig::server>},
     {"/port", Value::required, SetUnsigned<&RunConfig::port>},
     {"/username", Value::mayBeEmpty, SetText<&RunConfig::username>},
-    {"/password", Value::mayBeEmpty, SetText<&RunConfig::password>},
+    {texts::kPasswordOption, Value::mayBeEmpty, SetText<&RunConfig::password>},
     {"/domain", Value::required, SetText<&RunConfig::domain>},
     {"/principal", Value::required, SetText<&RunConfig::principal>},
     {"/target", Value::required, SetText<&RunConfig::target>},
@@ -98,11 +99,16 @@ void ResetLogOptions(RunConfig& config)
 
 } // namespace
 
+bool IsOption(std::string_view argument)
+{
+    return FindOption(LowerCase(std::string(argument))) != nullptr;
+}
+
 void ParseArguments(std::span<const std::string> arguments, RunConfig& config, ILogger& log)
 {
     for (std::size_t index = 0; index < arguments.size(); ++index) {
         const std::string& argument = arguments[index];
-        log.Log(LogLevel::trace, "Handling argument " + argument);
+        log.Log(LogLevel::trace, texts::kHandlingArgument + argument);
 
         const std::string lowerCased = LowerCase(argument);
         if (const Option* const option = FindOption(lowerCased)) {
@@ -111,7 +117,7 @@ void ParseArguments(std::span<const std::string> arguments, RunConfig& config, I
         }
         const bool isProgramPath = index == 0 && lowerCased.find("vantor") != std::string::npos;
         if (!isProgramPath) {
-            log.Log(LogLevel::warning, "Unexpected command line argument - " + argument);
+            log.Log(LogLevel::warning, texts::kUnexpectedArgument + argument);
         }
     }
 }

@@ -7,6 +7,7 @@
 
 #include <span>
 #include <string>
+#include <string_view>
 
 namespace vantor {
 
@@ -14,6 +15,9 @@ namespace vantor {
 /// Option names match without regard to case; values keep theirs. Unknown arguments are only warned about.
 /// Throws OptionError for a missing value or a number that does not convert.
 void ParseArguments(std::span<const std::string> arguments, RunConfig& config, ILogger& log);
+
+/// Whether the argument is an option of the program, with or without a value.
+bool IsOption(std::string_view argument);
 
 /// Checks that the options given make sense together. Throws OptionError with the message of the first rule broken.
 void Validate(const RunConfig& config);

@@ -1,6 +1,7 @@
 #include "telemetry/http/http_connection.h"
 
 #include "platform/last_error.h"
+#include "run/log/log_texts.h"
 #include "telemetry/winhttp/code_names.h"
 
 #include <stdexcept>
@@ -30,8 +31,7 @@ void LogInvalidCertificate(CertificateVerdict verdict, bool isAnyPinned, const O
     if (!isAnyPinned) {
         log.Error("There are no pinned certificates: no server is accepted.");
     } else if (verdict == CertificateVerdict::rejected) {
-        log.Error("The server's certificate chain is trusted, but none of the pinned issuers signed the certificate: "
-                  "an inspecting proxy between this host and the service is the likely cause.");
+        log.Error(texts::kChainTrustedButNotPinned);
     }
 }
 
@@ -83,7 +83,7 @@ DWORD HttpConnection::CheckConnection() const
 
 DWORD HttpConnection::Reset()
 {
-    const TracedOperation log(m_logger, "HttpConnection::Reset");
+    const TracedOperation log(m_logger, texts::kHttpConnectionReset);
     const std::lock_guard lock(m_resetMutex);
     Close();
     const DWORD result = OpenHandles(log);
@@ -122,7 +122,7 @@ DWORD HttpConnection::OpenHandles(const OperationLog& log)
         if (const DWORD error = fail("WinHttpSetOption"); error != ERROR_WINHTTP_INVALID_OPTION) {
             return error;
         }
-        log.Trace("Tolerated: this Windows knows no newer HTTP protocol that would have to be switched off.");
+        log.Trace(texts::kToleratedNoNewerProtocol);
     }
     m_hConnection = m_HttpInterface->Connect(m_hSession, m_settings.http.server.c_str(), m_settings.http.port, 0);
     if (!m_hConnection) {
@@ -166,7 +166,7 @@ void HttpConnection::Query(const HttpTarget& target, HttpHeaders headers, std::o
     response.result = SendRequest(request, target, headers, body);
     while (IsConnectFailure(response.result) && m_proxyManager.ProxyFallbackIsConfigured() &&
            m_proxyManager.ShouldFallBack()) {
-        log.Warning("Using proxy fallback");
+        log.Warning(texts::kUsingProxyFallback);
         request.reset();
         response.result = Reset();
         if (response.result == ERROR_SUCCESS) {
@@ -186,7 +186,7 @@ void HttpConnection::Query(const HttpTarget& target, HttpHeaders headers, std::o
 DWORD HttpConnection::SendRequest(std::unique_ptr<HttpRequest>& request, const HttpTarget& target,
                                   const HttpHeaders& headers, std::optional<std::string_view> body)
 {
-    const TracedOperation log(m_logger, "HttpConnection::SendRequest");
+    const TracedOperation log(m_logger, texts::kHttpConnectionSendRequest);
     if (const DWORD error = CheckConnection(); error != ERROR_SUCCESS) {
         log.Error("no connection: " + NamedWinHttpError(error));
         return error;

@@ -2,6 +2,7 @@
 
 #include "platform/last_error.h"
 #include "platform/owner.h"
+#include "run/log/log_texts.h"
 #include "telemetry/winhttp/code_names.h"
 
 #include <utility>
@@ -101,7 +102,7 @@ DWORD HttpRequest::AddHeaders(const HttpHeaders& headers)
 DWORD HttpRequest::Send(std::wstring_view headers, std::string_view body, DWORD totalLength, bool& certificateValid,
                         bool& retry)
 {
-    const TracedOperation log = Trace("HttpRequest::Send");
+    const TracedOperation log = Trace(texts::kHttpRequestSend);
     retry = false;
     m_received.reset(); // a new send has an answer of its own
     m_sent = SendWithResend(headers, body, totalLength, log);
@@ -222,7 +223,7 @@ bool HttpRequest::ValidateServerCert(IHTTP& http, HINTERNET request)
     } else {
         log.Error("Certificate in request not as expected.");
     }
-    log.Trace(std::string("Verified: ") + (issuer ? "1" : "0"));
+    log.Trace(std::string(texts::kVerified) + (issuer ? "1" : "0"));
     return issuer != nullptr;
 }
 

@@ -2,6 +2,7 @@
 
 #include "platform/modules/winhttp.h"
 #include "platform/text.h"
+#include "run/log/log_texts.h"
 
 #include <string>
 #include <type_traits>
@@ -12,7 +13,7 @@ namespace {
 
 std::string ValueText(const wchar_t* text)
 {
-    return text ? ToNarrow(text) : "<null>";
+    return text ? ToNarrow(text) : texts::kNull;
 }
 
 std::string ValueText(const void* pointer)
@@ -159,7 +160,7 @@ BOOL HttpImplementation::SetCredentials(HINTERNET request, DWORD authTargets, DW
                                         const wchar_t* password, void* reserved)
 {
     Trace("SetCredentials", "hRequest", request, "AuthTargets", authTargets, "AuthScheme", authScheme, "pwszUserName",
-          userName, "pwszPassword", password);
+          userName, texts::kPasswordArgument, password);
     return winhttp::WinHttpSetCredentials(request, authTargets, authScheme, userName, password, reserved);
 }
 
