@@ -1,8 +1,10 @@
-// vantor-bench PROGRAM BASELINES PKI PLACE PAIRS: what a periodic pulse costs beside programs that do less, and how
-// that grows. Started by bench/run, in a network and a Wine prefix of its own; prints Markdown.
+// vantor-bench: what a periodic pulse costs beside programs that do less, and how that grows. Started by bench/run, in a
+// network and a Wine prefix of its own; prints Markdown.
 #include "measured_run.h"
 #include "receiver/receiver.h"
 #include "statistics.h"
+
+#include <CLI/CLI.hpp>
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -25,7 +27,7 @@ struct Setting {
     fs::path baselines;
     fs::path pki;
     fs::path place; ///< for logs and what programs print
-    int pairs;
+    int pairs = 0;
 };
 
 std::string WindowsPath(const fs::path& path)
@@ -267,12 +269,18 @@ int Run(const Setting& setting)
 
 int main(int argc, char** argv)
 {
-    if (argc != 6) {
-        std::fprintf(stderr, "usage: vantor-bench PROGRAM BASELINES PKI PLACE PAIRS\n");
-        return 2;
-    }
+    vantor::bench::Setting setting;
+    CLI::App app("What a periodic pulse costs beside programs that do less, as Markdown. Started by bench/run.");
+    app.add_option("PROGRAM", setting.program, "vantor.exe")->required();
+    app.add_option("BASELINES", setting.baselines, "the folder of the programs that do less")->required();
+    app.add_option("PKI", setting.pki, "the folder of the receiver's certificates")->required();
+    app.add_option("PLACE", setting.place, "the folder for logs and what programs print")->required();
+    app.add_option("PAIRS", setting.pairs, "how many runs of each")->required()->check(CLI::Range(1, 9999));
     try {
-        return vantor::bench::Run({argv[1], argv[2], argv[3], argv[4], std::atoi(argv[5])});
+        app.parse(argc, argv);
+        return vantor::bench::Run(setting);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? 0 : 2;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "vantor-bench: %s\n", error.what());
         return 1;

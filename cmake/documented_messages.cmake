@@ -2,11 +2,14 @@
 # unless every "-R NAME" of a document names a test. Texts of a few characters and words alone tell nothing and are passed
 # over; so is what is put together elsewhere.
 file(READ "${CMAKE_CURRENT_LIST_DIR}/../docs/operations.md" document)
-file(GLOB_RECURSE sources "${CMAKE_CURRENT_LIST_DIR}/../src/*.cpp")
+file(GLOB_RECURSE sources "${CMAKE_CURRENT_LIST_DIR}/../src/*.cpp" "${CMAKE_CURRENT_LIST_DIR}/../src/*_texts.h")
 set(checked 0)
 set(missing 0)
 foreach(source IN LISTS sources)
     file(READ "${source}" text)
+    # A header of texts has those of warnings and errors in its last section.
+    string(REGEX REPLACE ".*// Warnings and errors[.]\n(.*)" "LogWarning(\\1" text "${text}")
+    string(REPLACE ";\ninline constexpr" ";LogWarning(inline constexpr" text "${text}")
     string(REGEX REPLACE "\"[ \n]+\"" "" text "${text}") # one literal over several lines
     string(REGEX REPLACE "[][]" "(" text "${text}")      # these and semicolons mean something to lists
     string(REPLACE ";" "@" text "${text}")

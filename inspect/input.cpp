@@ -3,6 +3,8 @@
 #include "inspect/printable_text.h"
 
 #include <algorithm>
+#include <optional>
+#include <utility>
 
 namespace vantor::inspect {
 namespace {
@@ -10,7 +12,8 @@ namespace {
 using nlohmann::ordered_json;
 
 constexpr std::string_view kBlanks = " \t\r\n";
-constexpr std::size_t kInputLimitBytes = 256U << 20;
+constexpr std::size_t kInputLimitBytes = 256U << 20; ///< of what has to be in memory as a whole
+constexpr std::size_t kPulses = 20'000;              ///< each takes some 5 KiB of memory
 constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 constexpr std::string_view kUtf16Marks[] = {"\xFF\xFE", "\xFE\xFF"};
 constexpr std::string_view kBase64Characters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/=";
@@ -48,9 +51,10 @@ DatedPulse ReadJsonPulse(std::string_view text)
 }
 
 /// One value, maybe over several lines, or one a line.
-Input ReadJsonInput(std::string_view text)
+Input ReadJsonInput(std::string_view text, std::size_t kept)
 {
     Input input;
+    std::size_t count = 0;
     if (const std::string_view value = Trimmed(text); ordered_json::accept(value.begin(), value.end())) {
         try {
             input.pulses.push_back(ReadJsonPulse(value));
@@ -68,23 +72,18 @@ Input ReadJsonInput(std::string_view text)
         try {
             if (!line.empty()) {
                 input.pulses.push_back(ReadJsonPulse(line));
+                ++count;
+            }
+            if (input.pulses.size() > std::min(kept, kPulses)) {
+                input.pulses.pop_front();
             }
         } catch (const PulseError& error) {
-            input.problems.push_back("line " + std::to_string(number) + ": " + error.what());
+            input.problems.Add("line " + std::to_string(number) + ": " + error.what());
         }
     }
-    return input;
-}
-
-Input ReadLogInput(const std::vector<LogMessage>& messages)
-{
-    Input input;
-    input.runs = ReadRuns(messages);
-    for (const Run& run : input.runs) {
-        if (!run.pulseProblem.empty()) {
-            input.problems.push_back("line " + std::to_string(run.pulseLine) +
-                                     ": the logged body is no pulse: " + run.pulseProblem);
-        }
+    if (kept > kPulses && count > kPulses) {
+        input.problems.Add("it holds " + std::to_string(count) + " pulses: all but the last " +
+                           std::to_string(kPulses) + " are left out");
     }
     return input;
 }
@@ -101,58 +100,72 @@ Input ReadReportInput(std::string_view text, std::size_t bytesBefore)
     std::string base64(text);
     std::erase_if(base64, [](char character) { return kBlanks.find(character) != std::string_view::npos; });
     try {
-        return {{{{}, DecodeReportText(base64)}}, {}, {}};
+        Input input;
+        input.pulses.push_back({{}, DecodeReportText(base64)});
+        return input;
     } catch (const PulseError& error) {
         throw InputError(error.what());
     }
 }
 
-} // namespace
-
-std::string ReadWhole(std::istream& stream)
+/// Takes the mark of UTF-8 away, and returns its size.
+std::size_t TakeMark(std::string_view& text)
 {
-    std::string text;
-    std::vector<char> piece(1U << 16);
-    while (stream.read(piece.data(), static_cast<std::streamsize>(piece.size())) || stream.gcount() > 0) {
-        text.append(piece.data(), static_cast<std::size_t>(stream.gcount()));
-        if (text.size() > kInputLimitBytes) {
-            throw InputError("it is larger than 256 MiB; the end of a log will do");
-        }
-    }
-    if (stream.bad()) {
-        throw InputError("reading fails");
-    }
-    return text;
-}
-
-Input ReadInput(std::string_view text)
-{
-    std::size_t markSize = 0;
     for (const std::string_view mark : kUtf16Marks) {
         if (text.starts_with(mark)) {
             throw InputError("the text is UTF-16, as PowerShell's \">\" writes it; save it as UTF-8 or ASCII");
         }
     }
-    if (text.starts_with(kUtf8Mark)) {
-        markSize = kUtf8Mark.size();
-        text.remove_prefix(markSize);
+    const std::size_t size = text.starts_with(kUtf8Mark) ? kUtf8Mark.size() : 0;
+    text.remove_prefix(size);
+    return size;
+}
+
+} // namespace
+
+Input ReadInput(std::istream& stream, std::size_t kept)
+{
+    RunLogReader log(kept);
+    std::string text; // while it may be something else
+    std::optional<std::size_t> markSize;
+    std::vector<char> buffer(1U << 16);
+    while (stream.read(buffer.data(), static_cast<std::streamsize>(buffer.size())) || stream.gcount() > 0) {
+        std::string_view piece(buffer.data(), static_cast<std::size_t>(stream.gcount()));
+        markSize = markSize ? markSize : TakeMark(piece);
+        log.Read(piece);
+        if (log.HasFoundAny()) {
+            text.clear();
+            text.shrink_to_fit();
+            continue;
+        }
+        text.append(piece);
+        if (text.size() > kInputLimitBytes) {
+            throw InputError("it is no log, and larger than 256 MiB");
+        }
+    }
+    if (stream.bad()) {
+        throw InputError("reading fails");
+    }
+    RunLog runs = log.Finish();
+    if (runs.count != 0) {
+        Input input;
+        input.problems = std::exchange(runs.problems, {});
+        input.log = std::move(runs);
+        return input;
     }
     const std::string_view trimmed = Trimmed(text);
     if (trimmed.empty()) {
         throw InputError("there is nothing in it");
     }
-    if (const auto messages = ReadLogMessages(text); !messages.empty()) {
-        return ReadLogInput(messages);
-    }
     // Lines whose first one was cut off are JSON nevertheless.
     const bool isJson = trimmed.front() == '{' || text.find("\n{") != std::string_view::npos;
-    return isJson ? ReadJsonInput(text) : ReadReportInput(text, markSize);
+    return isJson ? ReadJsonInput(text, kept) : ReadReportInput(text, *markSize);
 }
 
 std::vector<DatedPulse> LastPulses(const Input& input, std::size_t count)
 {
-    std::vector<DatedPulse> pulses = input.pulses;
-    for (const Run& run : input.runs) {
+    std::vector<DatedPulse> pulses(input.pulses.begin(), input.pulses.end());
+    for (const Run& run : input.log.runs) {
         if (run.pulse) {
             pulses.push_back({run.begin, *run.pulse});
         }

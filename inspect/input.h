@@ -4,19 +4,19 @@
 #include "inspect/pulse_text.h"
 #include "inspect/run_log.h"
 
+#include <deque>
 #include <istream>
 #include <stdexcept>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace vantor::inspect {
 
 /// Pulses from a report, from bodies or from a receiver's lines; or runs from a log.
 struct Input {
-    std::vector<DatedPulse> pulses;
-    std::vector<Run> runs;
-    std::vector<std::string> problems; ///< what is malformed beside that, each in printable text
+    std::deque<DatedPulse> pulses; ///< the latest
+    RunLog log;
+    Problems problems; ///< what is malformed beside that
 };
 
 /// what() says why the text is none of these, in printable text.
@@ -25,14 +25,12 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// All that is left of the stream. Throws InputError when that is more than 256 MiB, or reading fails.
-std::string ReadWhole(std::istream& stream);
+/// Finds out what the rest of the stream is and reads it; of runs or pulses only the last `kept`. Line breaks around and
+/// within a Base64 report are passed over, as they come with a mail. A log may be of any size. Throws InputError when it
+/// is nothing that holds a pulse, when it is no log and larger than 256 MiB, or when reading fails.
+Input ReadInput(std::istream& stream, std::size_t kept);
 
-/// Finds out what the text is and reads it. Line breaks around and within a Base64 report are passed over, as they come
-/// with a mail. Throws InputError when the text is nothing that holds a pulse.
-Input ReadInput(std::string_view text);
-
-/// The last pulses of the input, in order, at most so many; those of a log with the time of their run.
+/// The last pulses of the input, in order, at most `count`; those of a log with the time of their run.
 std::vector<DatedPulse> LastPulses(const Input& input, std::size_t count);
 
 } // namespace vantor::inspect

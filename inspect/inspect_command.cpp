@@ -6,11 +6,12 @@
 #include "inspect/run_text.h"
 #include "vantor_version.h"
 
-#include <algorithm>
-#include <charconv>
+#include <CLI/CLI.hpp>
+
 #include <fstream>
 #include <limits>
 #include <ostream>
+#include <utility>
 
 namespace vantor::inspect {
 namespace {
@@ -18,82 +19,50 @@ namespace {
 constexpr int kExitMalformed = 1;
 constexpr int kExitWrongOptions = 2;
 constexpr std::string_view kStandardInput = "-";
+constexpr std::size_t kAll = std::numeric_limits<std::size_t>::max();
 
-constexpr char kHelp[] =
-    R"(usage: vantor-inspect [OPTION...] [FILE...]
+constexpr char kPurpose[] = "Shows what pulses say and what became of a run of vantor.exe.";
 
-Shows what pulses say and what became of a run of vantor.exe. A FILE, or standard input when there is none or it is "-",
-holds one of these, which is found out by itself:
+constexpr char kNotes[] =
+    R"(A FILE, or standard input when there is none or it is "-", holds one of these, which is found out by itself:
   a report       Base64 text, as "vantor" in a body holds it
   a body         the JSON that a pulse posts, one or one a line
   pulses         the lines that vantor-receiver writes for --pulses
   a log          of vantor.exe, with one or more runs
 
-Options:
-  --json         one JSON object a line: a pulse, or a run with its time line and its pulse
-  --diff         the difference of the last two pulses of one FILE, or of the last pulses of two
-  --last N       only the last N runs or pulses of a FILE
-  --help         show this text
-  --version      show the version
-
 Bytes that are no printable ASCII are shown as \xNN, passwords in a log as ***. Exit code: 0 all is well, 1 something is
-malformed or cannot be read (standard error says what and where), 2 wrong options.
+malformed, cannot be read or is left out (standard error says what and where), 2 wrong options.
 )";
 
 struct Options {
     bool json = false;
     bool difference = false;
-    std::size_t last = std::numeric_limits<std::size_t>::max();
-    std::vector<std::string> files;
+    std::size_t last = kAll;
+    std::vector<std::string> files = {std::string(kStandardInput)};
 };
 
-/// what() says what is wrong with the command line.
-class OptionError : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-};
-
-std::size_t Count(const std::string& text)
+/// The command line, whose values go to `options`.
+void Describe(CLI::App& app, Options& options)
 {
-    std::size_t count = 0;
-    const char* const end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, count);
-    if (error != std::errc() || stop != end || count == 0) {
-        throw OptionError("--last needs a number from 1, not \"" + text + '"');
-    }
-    return count;
-}
-
-Options ParseOptions(const std::vector<std::string>& arguments)
-{
-    Options options;
-    const auto end = arguments.end();
-    for (auto argument = arguments.begin(); argument != end; ++argument) {
-        if (*argument == "--json") {
-            options.json = true;
-        } else if (*argument == "--diff") {
-            options.difference = true;
-        } else if (*argument == "--last") {
-            if (++argument == end) {
-                throw OptionError("--last needs a number");
-            }
-            options.last = Count(*argument);
-        } else if (argument->starts_with('-') && *argument != kStandardInput) {
-            throw OptionError("there is no option \"" + *argument + '"');
-        } else {
-            options.files.push_back(*argument);
-        }
-    }
-    if (options.files.empty()) {
-        options.files.emplace_back(kStandardInput);
-    }
-    if (options.difference && options.files.size() > 2) {
-        throw OptionError("--diff takes one file or two");
-    }
-    if (options.difference && options.last != Options().last) {
-        throw OptionError("--diff compares the last pulses, so --last does not go with it");
-    }
-    return options;
+    app.footer(kNotes);
+    app.set_help_flag("--help", "show this text");
+    app.set_version_flag("--version", "vantor-inspect " VANTOR_VERSION_TEXT, "show the version");
+    app.allow_windows_style_options(false); // a path may begin with a slash
+    app.add_flag("--json", options.json, "one JSON object a line: a pulse, or a run with its time line and its pulse");
+    CLI::Option* const difference =
+        app.add_flag("--diff", options.difference,
+                     "the difference of the last two pulses of one FILE, or of the last pulses of two");
+    app.add_option("--last", options.last, "only the last N runs or pulses of a FILE")
+        ->type_name("N")
+        ->check(CLI::Validator(
+            [](const std::string& text) {
+                const bool isNumber = text.find_first_not_of("0123456789") == std::string::npos;
+                return isNumber && text.find_first_not_of('0') != std::string::npos ? "" : "needs a number from 1";
+            },
+            ""))
+        ->take_last()
+        ->excludes(difference);
+    app.add_option("FILE", options.files)->type_name("")->expected(-1);
 }
 
 class Inspector {
@@ -109,7 +78,7 @@ public:
         for (const std::string& file : m_options.files) {
             try {
                 const Input input = Read(file);
-                for (const std::string& problem : input.problems) {
+                for (const std::string& problem : input.problems.Texts()) {
                     Complain(file, problem);
                 }
                 if (m_options.difference) {
@@ -136,13 +105,13 @@ private:
     Input Read(const std::string& file)
     {
         if (file == kStandardInput) {
-            return ReadInput(ReadWhole(m_input));
+            return ReadInput(m_input, m_options.last);
         }
         std::ifstream stream(file, std::ios::binary);
         if (!stream) {
             throw InputError("it cannot be opened");
         }
-        return ReadInput(ReadWhole(stream));
+        return ReadInput(stream, m_options.last);
     }
 
     void Show(const std::string& file, const Input& input)
@@ -150,19 +119,20 @@ private:
         if (m_options.files.size() > 1 && !m_options.json) {
             m_output << "==> " << PrintableText(file) << " <==\n";
         }
-        const std::size_t runs = input.runs.size();
-        for (std::size_t index = runs - std::min(m_options.last, runs); index < runs; ++index) {
-            const auto& run = input.runs[index];
+        const RunLog& log = input.log;
+        std::size_t number = log.count - log.runs.size();
+        for (const auto& run : log.runs) {
+            ++number;
             if (m_options.json) {
-                m_output << JsonLine(RunJson(run, index + 1)) << '\n';
+                m_output << JsonLine(RunJson(run, number)) << '\n';
                 continue;
             }
-            m_output << RunBlock(run, index + 1, runs) << '\n';
+            m_output << RunBlock(run, number, log.count) << '\n';
             if (run.pulse) {
                 m_output << PulseBlock({{}, *run.pulse}) << '\n';
             }
         }
-        if (runs == 0) {
+        if (log.count == 0) {
             for (const DatedPulse& pulse : LastPulses(input, m_options.last)) {
                 m_output << (m_options.json ? JsonLine(PulseJson(pulse)) : PulseBlock(pulse)) << '\n';
             }
@@ -193,30 +163,27 @@ private:
     int m_exitCode = 0;
 };
 
-bool Has(const std::vector<std::string>& arguments, std::string_view option)
-{
-    return std::ranges::find(arguments, option) != arguments.end();
-}
-
 } // namespace
 
 int RunInspect(const std::vector<std::string>& arguments, std::istream& input, std::ostream& output,
                std::ostream& errors)
 {
-    if (Has(arguments, "--help")) {
-        output << kHelp;
-        return 0;
-    }
-    if (Has(arguments, "--version")) {
-        output << "vantor-inspect " VANTOR_VERSION_TEXT "\n";
-        return 0;
-    }
+    Options options;
+    CLI::App app(kPurpose, "vantor-inspect");
+    Describe(app, options);
     try {
-        return Inspector(ParseOptions(arguments), input, output, errors).Run();
-    } catch (const OptionError& error) {
+        app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+        if (options.difference && options.files.size() > 2) {
+            throw CLI::ValidationError("--diff takes one file or two");
+        }
+    } catch (const CLI::ParseError& error) {
+        if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) { // --help and --version
+            return app.exit(error, output, errors);
+        }
         errors << "vantor-inspect: " << PrintableText(error.what()) << " (--help lists the options)\n";
         return kExitWrongOptions;
     }
+    return Inspector(std::move(options), input, output, errors).Run();
 }
 
 } // namespace vantor::inspect

@@ -1,7 +1,6 @@
 #include "inspect/log_messages.h"
 
 #include "inspect/utc_time.h"
-#include "platform/lower_case.h"
 #include "run/log/log_line.h"
 
 #include <algorithm>
@@ -29,55 +28,55 @@ std::optional<Start> FindStart(std::string_view line)
     return std::nullopt;
 }
 
-/// Where a password stands in a message: behind one text, before the last occurrence of another or up to the end.
-struct Secret {
-    std::string_view before;
-    std::string_view behind;
-};
-
-constexpr Secret kSecrets[] = {
-    {"/password=", {}},
-    {"m_password = ", {}},
-    {"pwszpassword=", {}},
-    {" password: ", " authentication schemes: "},
-};
+void AppendUpToLimit(std::string& text, std::string_view more)
+{
+    text.append(more.substr(0, LogMessageReader::kLimitBytes - std::min(LogMessageReader::kLimitBytes, text.size())));
+}
 
 } // namespace
 
-std::vector<LogMessage> ReadLogMessages(std::string_view log)
+void LogMessageReader::Read(std::string_view piece)
 {
-    std::vector<LogMessage> messages;
-    for (std::size_t number = 1; !log.empty(); ++number) {
-        std::string_view line = log.substr(0, log.find('\n'));
-        log.remove_prefix(std::min(line.size() + 1, log.size()));
-        if (line.ends_with('\r')) {
-            line.remove_suffix(1);
-        }
-        const auto start = FindStart(line);
-        if (start && (messages.empty() || start->time || !messages.front().time)) {
-            messages.push_back({number, start->time, start->level, std::string(line.substr(start->size))});
-        } else if (!messages.empty()) {
-            messages.back().text.append("\n").append(line);
-        }
+    for (std::size_t end = piece.find('\n'); end != std::string_view::npos; end = piece.find('\n')) {
+        AppendUpToLimit(m_line, piece.substr(0, end));
+        EndLine();
+        piece.remove_prefix(end + 1);
     }
-    return messages;
+    AppendUpToLimit(m_line, piece);
 }
 
-std::string WithoutPasswords(std::string_view text)
+void LogMessageReader::Finish()
 {
-    std::string result(text);
-    for (const auto& [before, behind] : kSecrets) {
-        const std::size_t found = LowerCase(result).find(before);
-        if (found == std::string::npos) {
-            continue;
-        }
-        const std::size_t begin = found + before.size();
-        const std::size_t end = behind.empty() ? std::string::npos : result.rfind(behind);
-        if (begin < result.size() && end != begin) {
-            result.replace(begin, end == std::string::npos || end < begin ? std::string::npos : end - begin, "***");
-        }
+    if (!m_line.empty()) {
+        EndLine();
     }
-    return result;
+    EndMessage();
+}
+
+void LogMessageReader::EndLine()
+{
+    if (m_line.ends_with('\r')) {
+        m_line.pop_back();
+    }
+    const auto start = FindStart(m_line);
+    if (start && (start->time || !m_isStamped)) {
+        const bool beginsLog = !m_message || (start->time && !m_isStamped);
+        EndMessage();
+        m_isStamped |= start->time.has_value();
+        m_message = {m_lineNumber, m_lineNumber, start->time, start->level, m_line.substr(start->size), beginsLog};
+    } else if (m_message) {
+        AppendUpToLimit(m_message->text, "\n" + m_line);
+        m_message->lastLine = m_lineNumber;
+    }
+    m_line.clear();
+    ++m_lineNumber;
+}
+
+void LogMessageReader::EndMessage()
+{
+    if (m_message) {
+        m_take(std::move(*m_message));
+    }
 }
 
 } // namespace vantor::inspect

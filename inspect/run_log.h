@@ -2,47 +2,65 @@
 #pragma once
 
 #include "inspect/log_messages.h"
+#include "inspect/password_mask.h"
 #include "inspect/pulse_text.h"
+#include "inspect/run_reader.h"
 
-#include <chrono>
-#include <optional>
+#include <cstddef>
+#include <deque>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace vantor::inspect {
 
-enum class EventKind { stage, note, proxy, warning, error };
+/// What is malformed, in printable text. Of many problems only the first are kept.
+class Problems {
+public:
+    void Add(std::string problem);
+    const std::vector<std::string>& Texts() const { return m_texts; }
 
-/// Something in a run that is worth a line.
-struct RunEvent {
-    EventKind kind = EventKind::note;
-    std::size_t line = 0; ///< in the log
-    std::optional<std::chrono::sys_seconds> time;
-    std::string text;                               ///< as logged, without passwords; of a stage its name
-    int depth = 0;                                  ///< how many stages are around it
-    std::optional<std::chrono::seconds> duration{}; ///< of a stage that was left, by a clock that went on
+private:
+    std::vector<std::string> m_texts;
 };
 
-/// How the sending of the report ended.
-enum class Delivery { notTried, delivered, failed, unknown };
-
-/// One run of the program.
-struct Run {
-    std::size_t firstLine = 0;
-    std::size_t lastLine = 0;
-    std::optional<std::chrono::sys_seconds> begin;
-    std::optional<std::chrono::sys_seconds> end;
-    std::vector<std::string> arguments; ///< the program's path first; without passwords
-    std::vector<RunEvent> events;       ///< in order
-    std::optional<Pulse> pulse;         ///< as posted; of one that was never built only the record, as logged
-    std::size_t pulseLine = 0;          ///< where the body was logged; 0 without one
-    std::string pulseProblem;           ///< why that body is no pulse
-    Delivery delivery = Delivery::notTried;
-    std::string outcome; ///< in one sentence
+struct RunLog {
+    std::deque<Run> runs;  ///< the latest, in the order of their messages
+    std::size_t count = 0; ///< of all runs that the log tells of
+    Problems problems;
 };
 
-/// The runs in the order of their messages. A run begins where the program begins to read its options, so runs that
-/// overlapped in time are not told apart.
-std::vector<Run> ReadRuns(const std::vector<LogMessage>& messages);
+/// Reads a log piece by piece. It may be of any size: at most as many runs are kept as asked for, and of those no more
+/// than keptBytes in all, the latest; a problem tells when there would have been more.
+class RunLogReader {
+public:
+    explicit RunLogReader(std::size_t keptRuns, std::size_t keptBytes = 32U << 20)
+        : m_keptRuns(keptRuns), m_keptBytes(keptBytes)
+    {
+    }
+    RunLogReader(const RunLogReader&) = delete;
+    RunLogReader& operator=(const RunLogReader&) = delete;
+
+    void Read(std::string_view piece) { m_messages.Read(piece); }
+
+    /// Whether there was a message, so that the file is a log.
+    bool HasFoundAny() const { return m_messages.HasFoundAny(); }
+
+    /// The runs. Call it behind the last piece, once.
+    RunLog Finish();
+
+private:
+    void Take(LogMessage message);
+    void EndRun();
+
+    const std::size_t m_keptRuns;
+    const std::size_t m_keptBytes;
+    LogMessageReader m_messages{[this](LogMessage message) { Take(std::move(message)); }};
+    PasswordMask m_mask;
+    RunReader m_run{m_keptBytes / 2};
+    RunLog m_log;
+    std::size_t m_bytes = 0; ///< of the runs that are kept
+    bool m_isFull = false;
+};
 
 } // namespace vantor::inspect

@@ -1,6 +1,8 @@
 #include "inspect/run_outcome.h"
 
 #include "inspect/field_texts.h"
+#include "run/log/log_texts.h"
+#include "telemetry/winhttp/code_names.h"
 
 #include <algorithm>
 
@@ -8,34 +10,26 @@ namespace vantor::inspect {
 namespace {
 
 /// What a part of a logged failure stands for.
-struct Explanation {
-    std::string_view part;
+const struct Explanation {
+    std::string part;
     const char* text;
+} kExplanations[] = {
+    {NamedWinHttpError(12029), "nothing answers at the service's address, or a firewall refuses"},
+    {NamedWinHttpError(12032), "the proxy asked for one logon step after the other"},
+    {NamedWinHttpError(12002), "no answer came in time"},
+    {NamedWinHttpError(12007), "a host name, the service's or the proxy's, cannot be resolved"},
+    {NamedWinHttpError(12030), "the connection was broken off"},
+    {NamedWinHttpError(12152), "the connection was broken off before an answer, or the answer is no HTTP"},
+    {NamedWinHttpError(12157), "TLS could not be agreed on, or the server's certificate has expired"},
+    {NamedWinHttpError(12175), "the server's certificate was not accepted"},
+    {NamedWinHttpError(12015), "the proxy refused the credentials"},
+    {NamedWinHttpError(10060), "the answer stopped coming"},
+    {texts::kWinHttpStatus + std::string("407"), "the proxy wants credentials, or refused those it got"},
+    {texts::kWinHttpStatus, "the service did not answer with 200"},
+    {texts::kHttpNotInitialised, "the connection could not be set up"},
+    {texts::kThisWindowsLacks, "this Windows lacks a function that is needed"},
+    {texts::kInvalidArguments, "the report is empty or too large"},
 };
-
-constexpr Explanation kExplanations[] = {
-    {"ERROR_WINHTTP_CANNOT_CONNECT", "nothing answers at the service's address, or a firewall refuses"},
-    {"ERROR_WINHTTP_RESEND_REQUEST", "the proxy asked for one logon step after the other"},
-    {"ERROR_WINHTTP_TIMEOUT", "no answer came in time"},
-    {"ERROR_WINHTTP_NAME_NOT_RESOLVED", "a host name, the service's or the proxy's, cannot be resolved"},
-    {"ERROR_WINHTTP_CONNECTION_ERROR", "the connection was broken off"},
-    {"ERROR_WINHTTP_INVALID_SERVER_RESPONSE",
-     "the connection was broken off before an answer, or the answer is no HTTP"},
-    {"ERROR_WINHTTP_SECURE_CHANNEL_ERROR", "TLS could not be agreed on, or the server's certificate has expired"},
-    {"ERROR_WINHTTP_SECURE_FAILURE", "the server's certificate was not accepted"},
-    {"ERROR_WINHTTP_LOGIN_FAILURE", "the proxy refused the credentials"},
-    {"(10060)", "the answer stopped coming"},
-    {"WinHTTP status: 407", "the proxy wants credentials, or refused those it got"},
-    {"WinHTTP status: ", "the service did not answer with 200"},
-    {"http not initialised", "the connection could not be set up"},
-    {"lacks", "this Windows lacks a function that is needed"},
-    {"invalid arguments", "the report is empty or too large"},
-};
-
-/// Warnings and errors that a logon at a proxy leaves on its way, whether it succeeds or not.
-constexpr std::string_view kLogonSteps[] = {"ERROR_WINHTTP_RESEND_REQUEST 12032",
-                                            "HTTPRequest::Send() failed, retrying",
-                                            "Unable to parse certificate data from connection"};
 
 constexpr char kStopped[] = ": the run was stopped there, or is still under way";
 
@@ -49,12 +43,7 @@ bool Contains(std::string_view text, std::string_view part)
     return text.find(part) != std::string_view::npos;
 }
 
-bool IsLogonStep(const RunEvent& event)
-{
-    return std::ranges::any_of(kLogonSteps, [&](std::string_view part) { return Contains(event.text, part); });
-}
-
-std::string FailureText(const Run& run, const RunFacts& facts)
+std::string FailureText(const RunFacts& facts)
 {
     if (facts.isInspected) {
         return "the server's certificate is not from a pinned issuer, most likely an inspecting proxy's";
@@ -63,8 +52,7 @@ std::string FailureText(const Run& run, const RunFacts& facts)
         kExplanations, [&](const Explanation& one) { return Contains(facts.sendFailure, one.part); });
     const std::string logged =
         FirstLine(facts.sendFailure) + (facts.setUpFailure.empty() ? "" : "; " + FirstLine(facts.setUpFailure));
-    if (std::ranges::any_of(run.events,
-                            [](const RunEvent& one) { return Contains(one.text, "did not build the tunnel"); })) {
+    if (facts.isTunnelRefused) {
         return "the proxy did not let the request through to the service (" + logged + ')';
     }
     return known == std::end(kExplanations) ? logged : known->text + (" (" + logged + ')');
@@ -81,11 +69,8 @@ std::string WayText(const RunFacts& facts)
     return facts.proxy.empty() ? "directly" : "through the detected proxy " + facts.proxy;
 }
 
-std::string CountText(const Run& run, EventKind kind, const std::string& noun)
+std::string CountText(std::size_t count, const std::string& noun)
 {
-    const bool arrived = run.delivery == Delivery::delivered;
-    const auto count = std::ranges::count_if(
-        run.events, [&](const RunEvent& event) { return event.kind == kind && !(arrived && IsLogonStep(event)); });
     return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
 }
 
@@ -97,7 +82,7 @@ std::string DeliveryText(const Run& run, const RunFacts& facts)
     switch (run.delivery) {
     case Delivery::failed:
         return "The " + mode + " was not delivered" +
-               (facts.fellBack ? ", not in a second, direct try either: " : ": ") + FailureText(run, facts);
+               (facts.fellBack ? ", not in a second, direct try either: " : ": ") + FailureText(facts);
     case Delivery::delivered:
         return "The " + mode + " was delivered " + WayText(facts);
     case Delivery::unknown:
@@ -144,8 +129,11 @@ void ConcludeRun(Run& run, const RunFacts& facts)
     } else if (isCut || (facts.hasMode && facts.fatalError.empty())) {
         run.delivery = Delivery::unknown;
     }
-    run.outcome = SentenceStart(run, facts) + "; " + CountText(run, EventKind::warning, "warning") + ", " +
-                  CountText(run, EventKind::error, "error") + '.';
+    // What a logon at a proxy leaves on its way tells nothing of a pulse that arrived.
+    const bool arrived = run.delivery == Delivery::delivered;
+    run.outcome = SentenceStart(run, facts) + "; " +
+                  CountText(facts.warningCount - (arrived ? facts.logonWarningCount : 0), "warning") + ", " +
+                  CountText(facts.errorCount - (arrived ? facts.logonErrorCount : 0), "error") + '.';
 }
 
 } // namespace vantor::inspect

@@ -1,7 +1,7 @@
 // A run as text: a block for people, JSON for machines.
 #pragma once
 
-#include "inspect/run_log.h"
+#include "inspect/run.h"
 
 #include <cstddef>
 #include <string>

@@ -88,6 +88,7 @@ make_prefixes() {
 # first one that the machine's package lists know is taken.
 package_sets=(
     "build the local receiver and the native tests|g++ cmake ninja-build libcpp-httplib-dev nlohmann-json3-dev libssl-dev"
+    "read the options of the tools|libcli11-dev"
     "cross-build the Windows program|g++-mingw-w64-x86-64-posix"
     "build the tests|googletest libgtest-dev libgmock-dev"
     "sign the stand-in module|osslsigncode"

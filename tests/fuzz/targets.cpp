@@ -7,7 +7,7 @@
 #include "platform/multi_string.h"
 #include "run/options/options.h"
 #include "support/option_rules.h"
-#include "support/recording_logger.h"
+#include "support/password_log.h"
 #include "telemetry/request/pem.h"
 
 #include <algorithm>
@@ -99,9 +99,28 @@ void pulse(const std::string& input)
     }
 }
 
-/// What vantor-inspect is given, logs above all: whatever it shows is safe to show, and it complains in words.
+/// The input, and among it what a run logs of a password that begins as the input does, but is of a character that stands
+/// nowhere else.
+std::string WithPlantedPassword(const std::string& input)
+{
+    std::string password, others;
+    for (const char c : input) {
+        password += password.size() < 30 ? std::string(1, std::strchr(" \t\"\\/=:\r\n{", c) ? c : '\x7F') : "";
+        others += c == '\x7F' || c == '7' ? '.' : c;
+    }
+    return others + '\n' + LogOfOptions("/server=s /port=1 /username=u /password=" + password) + others;
+}
+
+/// What vantor-inspect is given, logs above all: whatever it shows is safe to show and without passwords, and it complains
+/// in words.
 void inspected(const std::string& input)
 {
+    for (const std::string option : {"", "--json"}) {
+        std::istringstream text(WithPlantedPassword(input));
+        std::ostringstream shown;
+        inspect::RunInspect(std::vector<std::string>(option.empty() ? 0 : 1, option), text, shown, shown);
+        Promise(shown.str().find("\\x7F") == std::string::npos && shown.str().find("\\u007f") == std::string::npos);
+    }
     for (const std::string option : {"", "--json", "--diff"}) {
         std::istringstream text(input);
         std::ostringstream output, errors;

@@ -29,7 +29,8 @@ inline std::vector<std::string> SplitCommandLine(const std::string& line)
                 arguments.back() += line[++at];
             }
         } else if (line[at] == '"' && isQuoted && line.substr(at, 2) == "\"\"") {
-            arguments.back() += line[++at]; // two quotes within quotes stand for one
+            arguments.back() += line[++at]; // two quotes within quotes stand for one, and end them
+            isQuoted = false;
         } else if (line[at] == '"') {
             isQuoted = !isQuoted;
         } else if (!ends) {

@@ -71,6 +71,10 @@ inline constexpr char kError[] = "Error: ";
 inline constexpr char kPopulateGuidFailed[] = "Error: populateGUID FAILED!!: ";
 inline constexpr char kStartLoggingFailed[] = "Error: StartLogging FAILED!!: ";
 inline constexpr char kStopLoggingFailed[] = "Error: StopLogging FAILED!!: ";
+inline constexpr char kUnableToParseCertificate[] = "Unable to parse certificate data from connection: ";
+inline constexpr char kSendFailedRetrying[] = "HTTPRequest::Send() failed, retrying, retry count=";
+inline constexpr char kProxyDidNotBuildTunnel[] =
+    "The proxy did not build the tunnel to the service: it answered with status ";
 inline constexpr char kUsingProxyFallback[] = "Using proxy fallback";
 inline constexpr char kChainTrustedButNotPinned[] =
     "The server's certificate chain is trusted, but none of the pinned issuers signed the certificate: an inspecting "

@@ -201,7 +201,7 @@ DWORD HttpConnection::SendRequest(std::unique_ptr<HttpRequest>& request, const H
             }
             return attempt.result;
         }
-        log.Warning("HTTPRequest::Send() failed, retrying, retry count=" + std::to_string(retries));
+        log.Warning(texts::kSendFailedRetrying + std::to_string(retries));
     }
 }
 
@@ -237,8 +237,7 @@ HttpConnection::Attempt HttpConnection::SendAttempt(std::unique_ptr<HttpRequest>
         return {ERROR_WINHTTP_SECURE_FAILURE, false};
     }
     if (exchange.status != 0 && exchange.status != HTTP_STATUS_PROXY_AUTH_REQ) {
-        log.Error("The proxy did not build the tunnel to the service: it answered with status " +
-                  std::to_string(exchange.status) + '.');
+        log.Error(texts::kProxyDidNotBuildTunnel + std::to_string(exchange.status) + '.');
     }
     if (prepared) { // otherwise there is no answer to learn from, and the queue goes on as it is
         schemes.FindNextAuthenticationScheme(*request);

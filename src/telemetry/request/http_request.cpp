@@ -205,7 +205,7 @@ bool HttpRequest::ValidateServerCert(IHTTP& http, HINTERNET request)
     const Certificate server = ServerCertificate(http, request);
     if (!server) {
         const DWORD error = ::GetLastError();
-        throw std::runtime_error("Unable to parse certificate data from connection: " + WinHttpErrorName(error));
+        throw std::runtime_error(texts::kUnableToParseCertificate + WinHttpErrorName(error));
     }
 
     const auto pinned = m_host.PinnedCertificates();

@@ -80,8 +80,8 @@ RunConfig NextOptions(const std::string& arguments)
     int count = 0;
     wchar_t** const real =
         ::CommandLineToArgvW((L"x" + std::wstring(arguments.begin(), arguments.end())).c_str(), &count);
-    EXPECT_EQ(std::vector<std::wstring>(real + 1, real + count).size(), words.size()) << arguments;
-    for (std::size_t index = 0; index < words.size(); ++index) {
+    EXPECT_EQ(static_cast<std::size_t>(count), words.size() + 1) << arguments;
+    for (std::size_t index = 0; index < words.size() && real[index + 1]; ++index) {
         EXPECT_EQ(std::wstring(words[index].begin(), words[index].end()), real[index + 1]) << arguments;
     }
     ::LocalFree(real);
