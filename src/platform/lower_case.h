@@ -5,12 +5,13 @@
 
 namespace vantor {
 
-/// The text with its ASCII letters in lower case; every other byte stays as it is.
-inline std::string LowerCase(std::string text)
+/// The text with its ASCII letters in lower case; every other character stays as it is.
+template <typename Character>
+std::basic_string<Character> LowerCase(std::basic_string<Character> text)
 {
-    for (char& c : text) {
+    for (Character& c : text) {
         if (c >= 'A' && c <= 'Z') {
-            c = static_cast<char>(c - 'A' + 'a');
+            c = static_cast<Character>(c - 'A' + 'a');
         }
     }
     return text;

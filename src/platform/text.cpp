@@ -24,9 +24,12 @@ std::string Narrow(UINT codePage, std::wstring_view text)
     if (length == 0) {
         return {};
     }
-    const int size = ::WideCharToMultiByte(codePage, 0, text.data(), length, nullptr, 0, nullptr, nullptr);
+    // Otherwise characters would turn into ones that look like them. UTF-8 has all of them, and refuses the flag.
+    const bool isUtf8 = codePage == CP_UTF8 || (codePage == CP_ACP && ::GetACP() == CP_UTF8);
+    const DWORD flags = isUtf8 ? 0 : WC_NO_BEST_FIT_CHARS;
+    const int size = ::WideCharToMultiByte(codePage, flags, text.data(), length, nullptr, 0, nullptr, nullptr);
     std::string narrow(static_cast<std::size_t>(size), '\0');
-    ::WideCharToMultiByte(codePage, 0, text.data(), length, narrow.data(), size, nullptr, nullptr);
+    ::WideCharToMultiByte(codePage, flags, text.data(), length, narrow.data(), size, nullptr, nullptr);
     return narrow;
 }
 

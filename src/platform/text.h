@@ -7,7 +7,7 @@
 namespace vantor {
 
 /// Wide text in the process's ANSI code page (UTF-8 where Windows honours the manifest). Characters that it lacks
-/// become its default character.
+/// become its default character, never one that looks like them: a full-width quote is no quote.
 std::string ToNarrow(std::wstring_view text);
 
 /// Narrow text in the process's ANSI code page as wide text.

@@ -4,6 +4,7 @@
 #include "health/repair/integrity_checks.h"
 #include "health/tracing/updater_tracing.h"
 #include "platform/program.h"
+#include "platform/standard_output.h"
 #include "run/log/log_texts.h"
 #include "run/log/logging.h"
 #include "run/log/vantor_logging.h"
@@ -14,7 +15,6 @@
 
 #include <windows.h>
 
-#include <cstdio>
 #include <exception>
 #include <string>
 
@@ -97,8 +97,9 @@ int RunPulse(int argc, const char* const* argv)
     try {
         RunStages(logging, argc, argv);
     } catch (const std::exception& error) {
-        LogError(std::string(texts::kError) + error.what());
-        std::fprintf(stderr, "Error: %s\n", error.what());
+        const std::string message = std::string(texts::kError) + error.what();
+        LogError(message);
+        WriteToStandard(STD_ERROR_HANDLE, message + "\r\n");
         return 1;
     }
     return 0;

@@ -1,5 +1,6 @@
 #include "platform/modules/module.h"
 #include "platform/registry.h"
+#include "platform/text.h"
 #include "support/scratch_registry.h"
 
 #include <gtest/gtest.h>
@@ -61,6 +62,13 @@ TEST(SystemModuleTest, NamesTheFirstThingThatIsMissing)
     const ModuleFunction<decltype(::GetTickCount64)> unknown(older, "NoSuchFunction");
     EXPECT_EQ(older.FindMissing(), "kernel32.dll, function NoSuchFunction: error 127");
     EXPECT_EQ(SystemModule(L"no_such.dll").FindMissing(), "no_such.dll: error 126");
+}
+
+TEST(Text, NoCharacterBecomesOneThatLooksLikeIt)
+{
+    const std::string narrow = ToNarrow(L"\uFF02\u2033\uFF0F\uFF3C"); // wide and double quotes, slashes
+    EXPECT_EQ(narrow.find_first_of("\"/\\"), narrow.npos) << narrow << " in code page " << ::GetACP();
+    EXPECT_EQ(ToUtf8(L"\uFF02"), "\xEF\xBC\x82");
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "proxy/user/logged_on_user.h"
 
+#include "platform/lower_case.h"
 #include "platform/registry.h"
 #include "platform/text.h"
 #include "proxy/user/shell_names.h"
@@ -19,7 +20,11 @@ std::vector<std::string> ReadShellNames()
 {
     const auto winlogon = RegistryKey::OpenForReading(L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon");
     const auto shell = winlogon ? winlogon->QueryWholeText(L"Shell") : std::nullopt;
-    return ShellNames(shell ? ToNarrow(*shell) : "Explorer.exe");
+    std::vector<std::string> names;
+    for (const std::wstring& name : ShellNames(shell.value_or(L"Explorer.exe"))) {
+        names.push_back(LowerCase(ToNarrow(name))); // as the list of processes has them
+    }
+    return names;
 }
 
 /// Logs a failed call with the last error, which stays.

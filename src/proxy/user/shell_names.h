@@ -9,6 +9,6 @@ namespace vantor {
 
 /// The program names in the registry value Shell (Winlogon): several are separated by commas, each may be a path, in
 /// quotes, with arguments. Each comes back as its file-name part, lower-cased; "explorer.exe" when there is none.
-std::vector<std::string> ShellNames(std::string_view value);
+std::vector<std::wstring> ShellNames(std::wstring_view value);
 
 } // namespace vantor

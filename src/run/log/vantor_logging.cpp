@@ -1,24 +1,15 @@
 #include "run/log/vantor_logging.h"
 
 #include "platform/append_file.h"
+#include "platform/standard_output.h"
 #include "platform/text.h"
 
-#include <fcntl.h>
-#include <io.h>
-
-#include <cstdio>
 #include <stdexcept>
 
 namespace vantor {
 namespace {
 
 VantorLogging* g_logger = nullptr;
-
-void WriteToStandardOutput(std::string_view text)
-{
-    std::fwrite(text.data(), 1, text.size(), stdout);
-    std::fflush(stdout);
-}
 
 } // namespace
 
@@ -50,8 +41,7 @@ void VantorLogging::Configure(const RunConfig& config)
         m_file->Append(m_memory);
     }
     if (m_echo) {
-        ::_setmode(::_fileno(stdout), _O_BINARY); // lines carry their own line ends
-        WriteToStandardOutput(m_memory);
+        WriteToStandard(STD_OUTPUT_HANDLE, m_memory);
     }
     m_memory = {};
     m_configured = true;
@@ -73,7 +63,7 @@ void VantorLogging::Write(std::string_view line)
         m_file->Append(line);
     }
     if (m_echo) {
-        WriteToStandardOutput(line);
+        WriteToStandard(STD_OUTPUT_HANDLE, line);
     }
 }
 

@@ -99,13 +99,13 @@ TEST_F(ImpersonationTest, TheShellIsTheOneOfTheRegistry)
     registry.Set(L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon", L"Shell", L"C:\\Shop\\Kiosk.EXE /full");
     EXPECT_THAT(Impersonate(), ::testing::HasSubstr("OpenProcess 1040 6;"));
 
-    using Names = std::vector<std::string>;
-    EXPECT_EQ(ShellNames("explorer.exe,Kiosk.EXE ,, C:\\A b\\s.exe"), (Names{"explorer.exe", "kiosk.exe", "s.exe"}));
-    EXPECT_EQ(ShellNames("\"C:\\Program Files\\x,y\\my shell.exe\" /y,b.exe"), (Names{"my shell.exe", "b.exe"}));
-    EXPECT_EQ(ShellNames("C:\\Program Files\\a.exes\\s.exe C:\\other\\z.exe /x"), Names{"s.exe"});
-    EXPECT_EQ(ShellNames("%SystemRoot%/explorer /n"), Names{"explorer"});
-    EXPECT_EQ(ShellNames("\"open"), Names{"open"});
-    EXPECT_EQ(ShellNames(" , \"\""), Names{"explorer.exe"});
+    using Names = std::vector<std::wstring>;
+    EXPECT_EQ(ShellNames(L"explorer.exe,Kiosk.EXE ,, C:\\A b\\s.exe"), (Names{L"explorer.exe", L"kiosk.exe", L"s.exe"}));
+    EXPECT_EQ(ShellNames(L"\"C:\\Program Files\\x,y\\my shell.exe\" /y,b.exe"), (Names{L"my shell.exe", L"b.exe"}));
+    EXPECT_EQ(ShellNames(L"C:\\Program Files\\a.exes\\s.exe C:\\other\\z.exe /x"), Names{L"s.exe"});
+    EXPECT_EQ(ShellNames(L"%SystemRoot%/explorer /n"), Names{L"explorer"});
+    EXPECT_EQ(ShellNames(L"\"open"), Names{L"open"});
+    EXPECT_EQ(ShellNames(L" , \"\""), Names{L"explorer.exe"});
 }
 
 } // namespace

@@ -1,0 +1,14 @@
+// What a person may see: standard output and standard error.
+#pragma once
+
+#include <windows.h>
+
+#include <string_view>
+
+namespace vantor {
+
+/// Writes narrow text to STD_OUTPUT_HANDLE or STD_ERROR_HANDLE: as UTF-16 to a console, which shows it whatever its code
+/// page is, and as the bytes it is to a file or a pipe. What cannot be written is lost.
+void WriteToStandard(DWORD handle, std::string_view text);
+
+} // namespace vantor
