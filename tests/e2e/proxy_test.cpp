@@ -184,7 +184,7 @@ TEST(Proxies, NobodyElseWritesALineOfTheLog)
     LocalReceiver receiver;
     receiver.SetBehaviour({.body = reply});
     const auto log = ScratchFolder() / "run.log";
-    RunProgram(VANTOR_PROGRAM, {"/hcmode=periodic", "/logfile=" + WindowsPath(log)}, log);
+    RunProgram(WindowsTree("vantor.exe"), {"/hcmode=periodic", "/logfile=" + WindowsPath(log)}, log);
     std::ifstream file(log, std::ios::binary);
     const std::string text(std::istreambuf_iterator<char>(file), {});
     const std::regex invented("(^|\r\n|\n|\r)" + stamp), quoted("(\r\n|\n|\r) " + stamp);
