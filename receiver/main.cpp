@@ -35,25 +35,36 @@ void Describe(CLI::App& app, Options& options)
     app.footer("It ends on SIGTERM or SIGINT. Exit code: 0 ended so, 1 could not start, 2 wrong options.");
     app.set_help_flag("--help", "show this text");
     app.option_defaults()->take_last();
-    app.add_option("--port", options.config.port, "listen on this port (0: any that is free)")->capture_default_str();
-    app.add_option("--certificate", options.config.certificateFile, "the server's certificate, PEM")->required();
-    app.add_option("--key", options.config.keyFile, "its private key, PEM")->required();
+    app.add_option("--port", options.config.port, "listen on this port (0: any that is free)")
+        ->type_name("N")
+        ->capture_default_str();
+    app.add_option("--certificate", options.config.certificateFile, "the server's certificate, PEM")
+        ->type_name("FILE")
+        ->required();
+    app.add_option("--key", options.config.keyFile, "its private key, PEM")->type_name("FILE")->required();
     app.add_option("--pulses", options.pulsesFile,
-                   "append one JSON line a pulse to this file, and show those in it on the page");
-    app.add_option("--status", behaviour.status, "answer with this status")->check(CLI::Range(200, 599));
+                   "append one JSON line a pulse to this file, and show those in it on the page")
+        ->type_name("FILE");
+    app.add_option("--status", behaviour.status, "answer with this status")
+        ->type_name("N")
+        ->check(CLI::Range(200, 599));
     app.add_option_function<int>(
            "--delay", [&](int ms) { behaviour.delay = std::chrono::milliseconds(ms); },
            "wait so long before the answer")
         ->check(delay)
         ->type_name("MS");
-    app.add_option("--body-bytes", behaviour.bodyBytes, "answer with a body of so many bytes")->check(bytes);
+    app.add_option("--body-bytes", behaviour.bodyBytes, "answer with a body of so many bytes")
+        ->type_name("N")
+        ->check(bytes);
     app.add_flag("--chunked", behaviour.chunked, "send the body in chunks");
     app.add_option_function<int>(
            "--piece-delay", [&](int ms) { behaviour.pieceDelay = std::chrono::milliseconds(ms); },
            "wait so long before each byte of the body")
         ->check(delay)
         ->type_name("MS");
-    app.add_option("--stall-after", behaviour.stallAfter, "stop sending after so many bytes of the body")->check(bytes);
+    app.add_option("--stall-after", behaviour.stallAfter, "stop sending after so many bytes of the body")
+        ->type_name("N")
+        ->check(bytes);
     app.add_option_function<std::string>(
            "--close",
            [&](const std::string& when) {
@@ -65,6 +76,7 @@ void Describe(CLI::App& app, Options& options)
     app.add_option("--challenge", behaviour.challenges,
                    "act as a proxy that asks for credentials, such as: Basic realm=\"x\"")
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+        ->type_name("VALUE")
         ->allow_extra_args(false);
 }
 
