@@ -117,9 +117,9 @@ Touched Trace(const std::vector<std::string>& command, const std::filesystem::pa
 
 void CheckMeasure(const std::filesystem::path& output)
 {
-    constexpr double kMostMib = 8;
+    constexpr double kMaxMib = 8;
     const Cost cost = Run({}, {"true"}, output);
-    if (cost.exitCode != 0 || cost.peakMib > kMostMib) {
+    if (cost.exitCode != 0 || cost.peakMib > kMaxMib) {
         throw std::runtime_error("a program that does nothing seems to take " + std::to_string(cost.peakMib) +
                                  " MiB: the figures would hold the memory of the measuring program");
     }

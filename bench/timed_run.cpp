@@ -13,11 +13,11 @@
 
 namespace {
 
-constexpr unsigned kLongestSeconds = 60;
+constexpr unsigned kTimeoutSeconds = 60;
 
 [[noreturn]] void Become(const char* output, char** command)
 {
-    ::alarm(kLongestSeconds); // survives the exec; ends a run that hangs
+    ::alarm(kTimeoutSeconds); // survives the exec; ends a run that hangs
     const int input = ::open("/dev/null", O_RDONLY);
     const int file = ::open(output, O_WRONLY | O_CREAT | O_TRUNC, 0644);
     ::dup2(input, STDIN_FILENO);

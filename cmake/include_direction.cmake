@@ -7,8 +7,8 @@ set(floors
     platform/modules
     run/config
     run/log
-    run/options
     run/product
+    run/options
     health/record
     health/protection
     health/probes

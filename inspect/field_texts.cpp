@@ -1,9 +1,9 @@
 #include "inspect/field_texts.h"
 
 #include "health/record/content_version.h"
+#include "platform/formatting.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <iterator>
 
 namespace vantor::inspect {
@@ -14,7 +14,7 @@ using Explain = std::string (*)(std::uint64_t value, const HealthRecord& record)
 
 std::string AsMode(std::uint64_t value, const HealthRecord& /*record*/)
 {
-    return std::string(ModeText(static_cast<std::uint8_t>(value)));
+    return std::string(ModeText(static_cast<Mode>(value)));
 }
 
 std::string AsEnginePart(std::uint64_t /*value*/, const HealthRecord& record)
@@ -47,9 +47,10 @@ std::string AsWord(std::uint64_t value, const HealthRecord& /*record*/)
 
 std::string AsCounter(std::uint64_t value, const HealthRecord& record)
 {
-    constexpr const char* kCounted[] = {"not used in this mode", "content corruptions", "updater restarts",
-                                        "not used in this mode"};
-    return kCounted[record.mode < std::size(kCounted) ? record.mode : 0] + std::string(value == 255 ? ", or more" : "");
+    const std::string counted = record.mode == Mode::preUpdate    ? "content corruptions"
+                                : record.mode == Mode::postUpdate ? "updater restarts"
+                                                                  : "not used in this mode";
+    return counted + (value == 255 ? ", or more" : "");
 }
 
 std::string AsMachine(std::uint64_t value, const HealthRecord& /*record*/)
@@ -140,10 +141,10 @@ bool IsEngineUnknown(const HealthRecord& record)
            record.vxcore_build == 0xFFFF && record.vxcore_pkg == 0xFF;
 }
 
-std::string_view ModeText(std::uint8_t mode)
+std::string_view ModeText(Mode mode)
 {
-    constexpr std::string_view kModes[] = {"no known mode", "predatupdate", "postdatupdate", "periodic"};
-    return kModes[mode < std::size(kModes) ? mode : 0];
+    const std::string_view name = ModeName(mode);
+    return name.empty() ? "no known mode" : name;
 }
 
 std::string FieldText(const HealthRecordField& field, const HealthRecord& record)
@@ -165,9 +166,7 @@ std::string_view BitText(ResultBit bit)
 
 std::string WordText(std::uint64_t word)
 {
-    char text[24];
-    std::snprintf(text, sizeof text, "0x%016llx", static_cast<unsigned long long>(word));
-    return text;
+    return "0x" + Hexadecimal(word, 16);
 }
 
 } // namespace vantor::inspect

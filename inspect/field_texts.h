@@ -9,7 +9,7 @@
 namespace vantor::inspect {
 
 /// The name of a mode byte: "predatupdate", "postdatupdate", "periodic" or "no known mode".
-std::string_view ModeText(std::uint8_t mode);
+std::string_view ModeText(Mode mode);
 
 /// Whether the engine's version could not be read: all its parts are at their highest value then.
 bool IsEngineUnknown(const HealthRecord& record);

@@ -12,23 +12,7 @@ using Numbers = std::array<int, kFields.size()>;
 
 std::string FormatUtc(std::chrono::sys_seconds time, std::string_view layout)
 {
-    const auto day = std::chrono::floor<std::chrono::days>(time);
-    const std::chrono::year_month_day date{day};
-    const std::chrono::hh_mm_ss clock{time - day};
-    Numbers rest{static_cast<int>(date.year()),
-                 static_cast<int>(static_cast<unsigned>(date.month())),
-                 static_cast<int>(static_cast<unsigned>(date.day())),
-                 static_cast<int>(clock.hours().count()),
-                 static_cast<int>(clock.minutes().count()),
-                 static_cast<int>(clock.seconds().count())};
-    std::string text(layout);
-    for (std::size_t index = text.size(); index-- > 0;) { // a number's last digit first
-        if (const std::size_t field = kFields.find(text[index]); field != std::string_view::npos) {
-            text[index] = static_cast<char>('0' + rest[field] % 10);
-            rest[field] /= 10;
-        }
-    }
-    return text;
+    return FormatTime(UtcDateTime(time), layout);
 }
 
 std::optional<std::chrono::sys_seconds> ParseUtc(std::string_view text, std::string_view layout)

@@ -20,8 +20,6 @@ using inspect::Change;
 using inspect::DatedPulse;
 using inspect::PulseDifference;
 
-constexpr std::string_view kModes[] = {"predatupdate", "postdatupdate", "periodic"};
-
 /// Text of whatever origin as HTML text or as the value of an attribute.
 std::string Html(std::string_view text)
 {
@@ -65,7 +63,7 @@ std::string HostOf(const DatedPulse& pulse)
 
 std::string TimeOf(const DatedPulse& pulse)
 {
-    return pulse.received ? inspect::FormatUtc(*pulse.received, inspect::kReadableTime) + " UTC" : "unknown time";
+    return pulse.received ? inspect::FormatUtc(*pulse.received, kReadableTime) + " UTC" : "unknown time";
 }
 
 /// A pulse and the one before it of the same host.
@@ -90,7 +88,7 @@ public:
                   "<title>Safety pulses</title>\n<style>"
                << kPageStyle << "</style>\n</head>\n<body>\n<h1>Safety pulses</h1>\n";
         WriteForm(filter);
-        const std::size_t shown = std::min(entries.size(), kMostShown);
+        const std::size_t shown = std::min(entries.size(), kMaxShown);
         m_html
             << "<p class=\"soft\">" << shown << " of " << pulses.size() << " pulses, the latest first. "
             << "<span class=\"changed\">&nbsp;Marked&nbsp;</span> is what changed since the host's last pulse.</p>\n";
@@ -102,7 +100,7 @@ public:
 private:
     static std::vector<Entry> Select(const std::vector<DatedPulse>& pulses, const PageFilter& filter)
     {
-        const bool isMode = std::ranges::find(kModes, filter.mode) != std::end(kModes);
+        const bool isMode = std::ranges::any_of(kModeNames, [&](const auto& one) { return one.name == filter.mode; });
         const auto names = ResultBitNames();
         const auto bit = std::ranges::find(names, std::string_view(filter.bit),
                                            [](const ResultBitName& name) { return std::string_view(name.key); });
@@ -130,8 +128,8 @@ private:
     {
         m_html
             << "<form method=\"get\" action=\"/\">\n<label>Mode <select name=\"mode\"><option value=\"\">any</option>";
-        for (const std::string_view mode : kModes) {
-            WriteOption(mode, filter.mode);
+        for (const auto& one : kModeNames) {
+            WriteOption(one.name, filter.mode);
         }
         m_html << "</select></label>\n<label>Bit that is set <select name=\"bit\"><option value=\"\">any</option>";
         for (const ResultBitName& name : ResultBitNames()) {

@@ -15,7 +15,7 @@ struct PageFilter {
 };
 
 /// The page shows so many pulses at most.
-inline constexpr std::size_t kMostShown = 100;
+inline constexpr std::size_t kMaxShown = 100;
 
 /// What the browser may do with the page: nothing but show it and send its form back here.
 inline constexpr char kPagePolicy[] =

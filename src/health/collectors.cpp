@@ -18,7 +18,7 @@ void SetContentVersion(HealthRecord& record, const RunConfig& config)
 {
     const ScopeTrace scope("GetDatVersion");
     const auto given = ParseContentVersion(config.datver);
-    if (!given && IsPeriodic(config)) {
+    if (!given && ModeOf(config) == Mode::periodic) {
         GetDATVersionFromReg(record);
         return;
     }
@@ -30,7 +30,7 @@ void SetContentVersion(HealthRecord& record, const RunConfig& config)
 void SetMode(HealthRecord& record, const RunConfig& config)
 {
     const ScopeTrace scope("GetConfigModeInfo");
-    record.mode = IsPreUpdate(config) ? 1 : IsPostUpdate(config) ? 2 : IsPeriodic(config) ? 3 : 0;
+    record.mode = ModeOf(config);
 }
 
 /// Only whether each proxy option was given, never its value.

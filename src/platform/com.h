@@ -1,12 +1,13 @@
 // COM's resources and calls: interfaces, strings, result codes.
 #pragma once
 
+#include "platform/formatting.h"
 #include "platform/owner.h"
 
 #include <objbase.h>
 #include <oleauto.h>
 
-#include <cstdio>
+#include <cstdint>
 #include <string>
 #include <type_traits>
 
@@ -65,9 +66,7 @@ inline VARIANT AsVariant(const ComText& text)
 /// A result code as the log shows it, such as "0x80004001".
 inline std::string ResultText(HRESULT result)
 {
-    char text[sizeof("0x80004001")];
-    std::snprintf(text, sizeof(text), "0x%08x", static_cast<unsigned>(result));
-    return text;
+    return "0x" + Hexadecimal(static_cast<std::uint32_t>(result), 8);
 }
 
 /// Initialises COM for this thread, multithreaded, while it lives (CoInitializeEx, CoUninitialize).

@@ -34,10 +34,8 @@ constexpr MitigationPolicy kDefences[] = {
 
 void RestrictDllSearchPath()
 {
-    constexpr DWORD kSearchSystem32 = 0x800; // LOAD_LIBRARY_SEARCH_SYSTEM32
-
     if (const auto setDirectories = FindInKernel32<SetDefaultDllDirectoriesFunction>("SetDefaultDllDirectories")) {
-        setDirectories(kSearchSystem32);
+        setDirectories(LOAD_LIBRARY_SEARCH_SYSTEM32);
     }
 }
 

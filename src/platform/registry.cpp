@@ -7,7 +7,7 @@ namespace vantor {
 namespace {
 
 /// No value that this program reads is longer.
-constexpr DWORD kMostBytes = 1024 * 1024;
+constexpr DWORD kMaxBytes = 1024 * 1024;
 
 } // namespace
 
@@ -22,7 +22,7 @@ std::optional<RegistryKey> RegistryKey::Open(const wchar_t* path, REGSAM access)
 
 std::optional<RegistryKey> RegistryKey::OpenForReading(const wchar_t* path)
 {
-    return Open(path, KEY_READ | KEY_WOW64_64KEY);
+    return Open(path, kReadAccess);
 }
 
 std::optional<RegistryKey> RegistryKey::OpenOrCreate(const wchar_t* path, REGSAM access)
@@ -65,7 +65,7 @@ std::optional<std::wstring> RegistryKey::QueryText(const wchar_t* value, std::si
 std::optional<std::wstring> RegistryKey::QueryWholeText(const wchar_t* value) const
 {
     DWORD size = 0;
-    if (Query(value, nullptr, size) != ERROR_SUCCESS || size > kMostBytes) {
+    if (Query(value, nullptr, size) != ERROR_SUCCESS || size > kMaxBytes) {
         return std::nullopt;
     }
     return QueryText(value, size + sizeof(wchar_t)); // room for an odd last byte
@@ -74,7 +74,7 @@ std::optional<std::wstring> RegistryKey::QueryWholeText(const wchar_t* value) co
 std::optional<std::vector<std::uint8_t>> RegistryKey::QueryData(const wchar_t* value, DWORD type) const
 {
     DWORD size = 0;
-    if (Query(value, nullptr, size) != ERROR_SUCCESS || size > kMostBytes) {
+    if (Query(value, nullptr, size) != ERROR_SUCCESS || size > kMaxBytes) {
         return std::nullopt;
     }
     std::vector<std::uint8_t> data(size);
@@ -98,18 +98,36 @@ LSTATUS RegistryKey::DeleteValue(const wchar_t* value) const
 
 std::vector<std::wstring> RegistryKey::SubkeyNames() const
 {
-    constexpr DWORD kLongestName = 256; // Windows' limit is 255
+    constexpr DWORD kMaxName = 256; // Windows' limit is 255
 
     std::vector<std::wstring> names;
     for (DWORD index = 0;; ++index) {
-        wchar_t name[kLongestName];
-        DWORD length = kLongestName;
+        wchar_t name[kMaxName];
+        DWORD length = kMaxName;
         if (::RegEnumKeyExW(m_handle.Get(), index, name, &length, nullptr, nullptr, nullptr, nullptr) !=
             ERROR_SUCCESS) {
             return names;
         }
         names.emplace_back(name, length);
     }
+}
+
+std::optional<std::uint32_t> ReadDword(const RegistryValue& value, std::uint32_t preset, REGSAM access)
+{
+    const auto key = RegistryKey::Open(value.key, access);
+    return key ? key->QueryDword(value.name, preset) : std::nullopt;
+}
+
+std::optional<std::wstring> ReadText(const RegistryValue& value, std::size_t bufferBytes)
+{
+    const auto key = RegistryKey::OpenForReading(value.key);
+    return key ? key->QueryText(value.name, bufferBytes) : std::nullopt;
+}
+
+std::optional<std::wstring> ReadWholeText(const RegistryValue& value, REGSAM access)
+{
+    const auto key = RegistryKey::Open(value.key, access);
+    return key ? key->QueryWholeText(value.name) : std::nullopt;
 }
 
 } // namespace vantor

@@ -1,8 +1,9 @@
 #include "platform/text.h"
 
+#include "platform/formatting.h"
+
 #include <windows.h>
 
-#include <charconv>
 #include <cstdint>
 #include <limits>
 #include <stdexcept>
@@ -62,9 +63,7 @@ std::string PointerText(const void* pointer)
     if (!pointer) {
         return "0";
     }
-    char text[2 + 2 * sizeof(pointer)] = {'0', 'x'};
-    const auto end = std::to_chars(text + 2, std::end(text), reinterpret_cast<std::uintptr_t>(pointer), 16).ptr;
-    return {text, end};
+    return "0x" + Hexadecimal(reinterpret_cast<std::uintptr_t>(pointer));
 }
 
 } // namespace vantor

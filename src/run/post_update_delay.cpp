@@ -9,13 +9,13 @@ namespace vantor {
 void DelayAfterUpdate(const RunConfig& config, ILogger& log,
                       const std::function<void(std::chrono::milliseconds)>& sleep)
 {
-    constexpr std::uint16_t kLongestMinutes = 10;
+    constexpr std::uint16_t kMaxMinutes = 10;
 
     if (config.delayPostDat == 0) {
         return;
     }
     const std::string value = std::to_string(config.delayPostDat);
-    if (config.delayPostDat > kLongestMinutes) {
+    if (config.delayPostDat > kMaxMinutes) {
         log.Log(LogLevel::warning, "/delaypostdat out of range: " + value);
         return;
     }

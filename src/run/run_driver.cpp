@@ -50,7 +50,7 @@ void StopTracing(IEventTracing& tracing, const TraceFolder& folder)
 /// Starts or stops the updater's trace where the run is one before or after an update.
 void Trace(const RunConfig& config)
 {
-    if (!IsPreUpdate(config) && !IsPostUpdate(config)) {
+    if (ModeOf(config) != Mode::preUpdate && ModeOf(config) != Mode::postUpdate) {
         return; // the folder is not even asked for: a run without a trace does not pay for shell32
     }
     WindowsEventTracing tracing;
@@ -58,7 +58,7 @@ void Trace(const RunConfig& config)
     if (ShouldStartETLTracing(config, tracing, folder)) {
         StartTracing(tracing, folder);
     }
-    if (IsPostUpdate(config)) {
+    if (ModeOf(config) == Mode::postUpdate) {
         StopTracing(tracing, folder);
     }
 }
@@ -72,15 +72,15 @@ void RunStages(VantorLogging& logging, int argc, const char* const* argv)
     LoggerImpl log;
     DelayAfterUpdate(config, log, SleepFor);
 
-    if (IsPostUpdate(config)) {
+    if (ModeOf(config) == Mode::postUpdate) {
         EnsureQualityCompat();
     } else {
         DoScheduling(config);
     }
-    if (IsHealthCheck(config)) {
+    if (ModeOf(config) != Mode::none) {
         CheckVxediskDeleteFlag(config);
         CheckVxediskStartValue(config);
-        const ReportBytes report = IsPreUpdate(config) ? GetPreUpdateInfo(config) : GetOSInfo(config);
+        const ReportBytes report = ModeOf(config) == Mode::preUpdate ? GetPreUpdateInfo(config) : GetOSInfo(config);
         SendTelemetry(report, config);
     }
 

@@ -2,12 +2,12 @@
 
 #include "platform/modules/crypt32.h"
 #include "platform/modules/winhttp.h"
-#include "platform/registry.h"
 #include "platform/text.h"
 #include "proxy/config/proxy_settings.h"
 #include "run/log/log_texts.h"
 #include "run/log/logging.h"
 #include "run/log/vantor_logging.h"
+#include "run/product/registry_values.h"
 #include "service_endpoints.h"
 #include "telemetry/http/http_connection.h"
 #include "telemetry/request/pinned_issuers.h"
@@ -30,16 +30,10 @@ namespace {
 constexpr std::uint64_t kBodyLimitBytes = 65536;
 constexpr std::uint32_t kSystemProxyLifeTimeMs = 60'000;
 
-/// While this key exists, whatever it holds, reports go to a service on this machine.
-bool IsLocalHostForced()
-{
-    return RegistryKey::OpenForReading(L"SOFTWARE\\Vexora\\AVSolution\\SetVriLocalHost").has_value();
-}
-
 HttpConfig MakeHttpConfig(const VRIREST& payload)
 {
     HttpConfig config;
-    const bool local = IsLocalHostForced();
+    const bool local = RegistryKey::OpenForReading(registry::kLocalReceiverKey).has_value();
     config.server = local ? L"localhost" : payload.ServiceHost();
     config.port = local ? 8000 : kServicePort;
     config.userAgent = payload.UserAgent();
@@ -119,89 +113,91 @@ void LogConfiguration(const HttpConfig& http, const HttpTimeouts& timeouts, cons
     LogField("ProxyConfig.m_wpadFlags", proxy.m_wpadFlags);
 }
 
-/// Everything that one send needs; lives for that send.
-class RESTTelemetry {
-public:
-    RESTTelemetry(bool httpLogging, const RunConfig& config);
-    ~RESTTelemetry();
-    RESTTelemetry(const RESTTelemetry&) = delete;
-    RESTTelemetry& operator=(const RESTTelemetry&) = delete;
-
-    VRIREST& Payload() { return *m_payload; }
-    void Send(const std::uint8_t* data, std::size_t size);
-
-private:
-    void Configure(bool httpLogging, const RunConfig& config);
-
-    std::optional<VRIREST> m_payload; ///< set by the constructor, inside its scope trace
-    std::shared_ptr<HttpConnection> m_connection;
-    bool m_initialised = false;
-};
-
-RESTTelemetry::RESTTelemetry(bool httpLogging, const RunConfig& config)
+HttpConnectionSettings MakeSettings(const VRIREST& payload, const RunConfig& config,
+                                    const std::shared_ptr<ILogger>& logger)
 {
-    const ScopeTrace scope(texts::kRestTelemetryConstructor);
-    m_payload.emplace();
+    HttpConnectionSettings settings;
+    settings.http = MakeHttpConfig(payload);
+    settings.timeouts = MakeTimeouts(payload.TimeoutMillisec());
+    settings.proxy = MakeProxyConfig(config);
+    settings.proxyCalls = WindowsProxyCalls();
+    settings.pinnedCertificates =
+        ParseCertificates(PinnedIssuersPem(), OperationLog(logger, texts::kRestTelemetryConstructor));
+    LogConfiguration(settings.http, settings.timeouts, settings.proxy);
+    return settings;
+}
+
+/// The connection to the service; null when it cannot be made, which is logged.
+std::unique_ptr<HttpConnection> Connect(const VRIREST& payload, const RunConfig& config)
+{
     try {
-        Configure(httpLogging, config);
-        m_initialised = true;
+        const auto logger = VantorLogging::GetLogger().IsActive() ? std::make_shared<LoggerImpl>() : nullptr;
+        const auto http = std::make_shared<HttpImplementation>(logger);
+        return std::make_unique<HttpConnection>(MakeSettings(payload, config, logger), http, logger);
     } catch (const std::exception& error) {
         LogError(std::string(texts::kInitialiseFailed) + error.what());
     } catch (...) {
         LogError(texts::kInitialiseFailed + std::string("unknown exception."));
     }
+    return nullptr;
 }
 
-RESTTelemetry::~RESTTelemetry()
+void LogOutcome(const HttpResponse& response)
 {
-    const ScopeTrace scope("RESTTelemetry::~RESTTelemetry");
-    m_connection.reset();
-    m_payload.reset();
-}
-
-void RESTTelemetry::Configure(bool httpLogging, const RunConfig& config)
-{
-    HttpConnectionSettings settings;
-    settings.http = MakeHttpConfig(*m_payload);
-    settings.timeouts = MakeTimeouts(m_payload->TimeoutMillisec());
-    settings.proxy = MakeProxyConfig(config);
-
-    const std::shared_ptr<ILogger> logger = httpLogging ? std::make_shared<LoggerImpl>() : nullptr;
-    const auto http = std::make_shared<HttpImplementation>(logger);
-    settings.proxyCalls = WindowsProxyCalls();
-    settings.pinnedCertificates =
-        ParseCertificates(PinnedIssuersPem(), OperationLog(logger, texts::kRestTelemetryConstructor));
-
-    LogConfiguration(settings.http, settings.timeouts, settings.proxy);
-    m_connection = std::make_shared<HttpConnection>(std::move(settings), http, logger);
-}
-
-void RESTTelemetry::Send(const std::uint8_t* data, std::size_t size)
-{
-    const ScopeTrace scope(texts::kRestTelemetrySend);
-    if (!m_initialised) {
-        LogError(texts::kSendTelemetryFailed + std::string(texts::kHttpNotInitialised));
-        return;
-    }
-    if (!data || size == 0 || size > kReportLimitBytes) {
-        LogError(texts::kSendTelemetryFailed + (texts::kInvalidArguments + PointerText(data)) +
-                 ", size=" + std::to_string(size));
-        return;
-    }
-    LogTrace(texts::kSendingBytes + std::to_string(size) + " bytes.");
-
-    HttpResponse response;
-    response.result = ERROR_NOT_READY;
-    if (m_connection) {
-        const std::string body = m_payload->CreatePostData({data, size});
-        m_connection->Query({kReportPath, L"POST"}, {}, body, response);
-    }
     const std::string failed = std::string(texts::kRestTelemetrySend) + ": " + texts::kSendTelemetryFailed;
     if (response.result != ERROR_SUCCESS) {
         LogError(failed + texts::kWinHttpError + NamedWinHttpError(response.result));
     } else if (response.status != HTTP_STATUS_OK) {
         LogError(failed + texts::kWinHttpStatus + std::to_string(response.status));
     }
+}
+
+/// Everything that one send needs. The payload and the connection are made and destroyed within the class's own scope
+/// traces, where readers of the log look for their lines.
+class RESTTelemetry {
+public:
+    explicit RESTTelemetry(const RunConfig& config)
+    {
+        const ScopeTrace scope(texts::kRestTelemetryConstructor);
+        m_payload.emplace();
+        m_connection = Connect(*m_payload, config);
+        if (config.restTest) {
+            m_payload->SetReadOnly();
+        }
+    }
+    ~RESTTelemetry()
+    {
+        const ScopeTrace scope("RESTTelemetry::~RESTTelemetry");
+        m_connection.reset();
+        m_payload.reset();
+    }
+    RESTTelemetry(const RESTTelemetry&) = delete;
+    RESTTelemetry& operator=(const RESTTelemetry&) = delete;
+
+    void Send(std::span<const std::uint8_t> report);
+
+private:
+    std::optional<VRIREST> m_payload;
+    std::unique_ptr<HttpConnection> m_connection;
+};
+
+void RESTTelemetry::Send(std::span<const std::uint8_t> report)
+{
+    const ScopeTrace scope(texts::kRestTelemetrySend);
+    if (!m_connection) {
+        LogError(texts::kSendTelemetryFailed + std::string(texts::kHttpNotInitialised));
+        return;
+    }
+    if (report.empty() || report.size() > kReportLimitBytes) {
+        LogError(texts::kSendTelemetryFailed + (texts::kInvalidArguments + PointerText(report.data())) +
+                 ", size=" + std::to_string(report.size()));
+        return;
+    }
+    LogTrace(texts::kSendingBytes + std::to_string(report.size()) + " bytes.");
+
+    HttpResponse response;
+    m_connection->Query({kReportPath, L"POST"}, {}, m_payload->CreatePostData(report), response);
+    LogOutcome(response);
 }
 
 /// True when every function that a send calls in delay-loaded modules is there; says what is missing otherwise.
@@ -225,11 +221,7 @@ void SendTelemetry(std::span<const std::uint8_t> report, const RunConfig& config
         return;
     }
     try {
-        RESTTelemetry telemetry(VantorLogging::GetLogger().IsActive(), config);
-        if (config.restTest) {
-            telemetry.Payload().SetReadOnly();
-        }
-        telemetry.Send(report.data(), report.size());
+        RESTTelemetry(config).Send(report);
     } catch (const std::exception& error) { // such as no memory for a reply: the run goes on without its report
         LogError(texts::kSendTelemetryFailed + (std::string(": ") + error.what()));
     }

@@ -2,11 +2,11 @@
 
 #include "platform/modules/crypt32.h"
 #include "platform/owner.h"
-#include "platform/registry.h"
 #include "platform/text.h"
 #include "run/log/logging.h"
 #include "run/product/brand.h"
 #include "run/product/ipv6_preference.h"
+#include "run/product/registry_values.h"
 #include "service_endpoints.h"
 #include "telemetry/payload_text.h"
 #include "telemetry/winhttp/code_names.h"
@@ -85,14 +85,10 @@ void VRIREST::ReadIdentifiers()
 {
     constexpr std::size_t kBufferBytes = 510;
 
-    if (const auto key = RegistryKey::OpenForReading(L"Software\\Vexora\\AVSolution\\VXSHIELDGLOBAL\\GLOBAL")) {
-        m_cid = key->QueryText(L"customerid", kBufferBytes).value_or(L"");
-        m_cliid = key->QueryText(L"clientid", kBufferBytes).value_or(L"");
-        m_xpoid = key->QueryText(L"xpoguid", kBufferBytes).value_or(L"");
-    }
-    if (const auto key = RegistryKey::OpenForReading(L"Software\\Microsoft\\Cryptography")) {
-        m_machineGuid = key->QueryText(L"MachineGuid", kBufferBytes).value_or(L"");
-    }
+    m_cid = ReadText(registry::kCustomerId, kBufferBytes).value_or(L"");
+    m_cliid = ReadText(registry::kClientId, kBufferBytes).value_or(L"");
+    m_xpoid = ReadText(registry::kConsoleId, kBufferBytes).value_or(L"");
+    m_machineGuid = ReadText(registry::kMachineGuid, kBufferBytes).value_or(L"");
 }
 
 std::string VRIREST::CreateCiSection() const

@@ -34,7 +34,7 @@ void options(const std::string& input)
     } catch (const OptionError&) {
         return;
     }
-    Promise(IsHealthCheck(config) != config.hcmode.empty());
+    Promise((ModeOf(config) == Mode::none) == config.hcmode.empty());
 }
 
 void dotted_version(const std::string& input)
@@ -85,7 +85,7 @@ void text_block(const std::string& input)
     }
     const TextBlock block = BuildTextBlock(items);
     HealthRecord record;
-    record.mode = 1;
+    record.mode = Mode::preUpdate;
     Promise(DecodeReport(EncodeReport(record, block)).textItems.size() + block.leftOut.size() == items.size());
 }
 

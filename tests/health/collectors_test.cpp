@@ -12,17 +12,17 @@ TEST(Collectors, TheRecordFollowsTheOptions)
     ScratchRegistry registry;
     const struct {
         RunConfig config;
-        std::uint8_t mode;
+        Mode mode;
         std::uint16_t datMajor, datMinor;
         std::uint64_t bits;
     } kCases[] = {
-        {{.hcmode = "periodic", .datver = "1234.5"}, 3, 1234, 5, 1 << 16},
-        {{.hcmode = "periodic"}, 3, 0, 0, 1 << 16},
-        {{.datUpdateStatus = -1, .hcmode = "postdatupdate"}, 2, 0xFFFF, 0xFFFF, 0},
-        {{.hcmode = "postdatupdate", .datver = "1.2.3"}, 2, 0xFFFF, 0xFFFF, 1 << 16},
-        {{.hcmode = "Periodic", .server = "s", .username = "u"}, 0, 0xFFFF, 0xFFFF, 0x10005},
-        {{.hcmode = "periodic", .domain = "d", .target = "t"}, 3, 0, 0, 0x10050},
-        {{.hcmode = "periodic", .port = 1, .password = "p", .principal = "p"}, 3, 0, 0, 0x1002A},
+        {{.hcmode = "periodic", .datver = "1234.5"}, Mode::periodic, 1234, 5, 1 << 16},
+        {{.hcmode = "periodic"}, Mode::periodic, 0, 0, 1 << 16},
+        {{.datUpdateStatus = -1, .hcmode = "postdatupdate"}, Mode::postUpdate, 0xFFFF, 0xFFFF, 0},
+        {{.hcmode = "postdatupdate", .datver = "1.2.3"}, Mode::postUpdate, 0xFFFF, 0xFFFF, 1 << 16},
+        {{.hcmode = "Periodic", .server = "s", .username = "u"}, Mode::none, 0xFFFF, 0xFFFF, 0x10005},
+        {{.hcmode = "periodic", .domain = "d", .target = "t"}, Mode::periodic, 0, 0, 0x10050},
+        {{.hcmode = "periodic", .port = 1, .password = "p", .principal = "p"}, Mode::periodic, 0, 0, 0x1002A},
     };
     for (const auto& [config, mode, datMajor, datMinor, bits] : kCases) {
         const HealthRecord record = DecodeReport(GetOSInfo(config)).record;

@@ -1,28 +1,19 @@
 #include "health/probes/text_probes.h"
 
 #include "health/record/report.h"
-#include "platform/registry.h"
+#include "platform/formatting.h"
 #include "platform/text.h"
 #include "run/log/logging.h"
-
-#include <array>
-#include <cstdio>
+#include "run/product/registry_values.h"
 
 namespace vantor {
 namespace {
 
-/// A value that becomes an item.
-struct TextSource {
-    const wchar_t* key;
-    const wchar_t* value;
-    const char* prefix = "";
-};
-
-void AddText(TextItems& items, const TextSource& source)
+/// Makes a value an item, if it can be read.
+void AddText(TextItems& items, const RegistryValue& value, const std::string& prefix = "")
 {
-    const auto key = RegistryKey::OpenForReading(source.key);
-    if (const auto text = key ? key->QueryWholeText(source.value) : std::nullopt) {
-        items.push_back(source.prefix + ToUtf8(*text));
+    if (const auto text = ReadWholeText(value)) {
+        items.push_back(prefix + ToUtf8(*text));
     }
 }
 
@@ -47,14 +38,10 @@ TextItems GetProductInfo()
 {
     const ScopeTrace scope("GetProductInfo");
     TextItems items;
-    for (const TextSource& source : {
-             TextSource{L"Software\\Vexora\\Endpoint\\AV", L"ProductVersion"},
-             TextSource{L"Software\\VxeAV", L"VersionInfo"},
-             TextSource{L"Software\\Vexora\\VSC", L"MarketReleaseName", "HSQ_"},
-             TextSource{L"Software\\Vexora\\VSC", L"MarketReleaseVer", "HSQ_"},
-         }) {
-        AddText(items, source);
-    }
+    AddText(items, registry::kEndpointVersion);
+    AddText(items, registry::kAntiVirusVersion);
+    AddText(items, registry::kConsumerName, "HSQ_");
+    AddText(items, registry::kConsumerVersion, "HSQ_");
     return Conclude("GetProductInfo", std::move(items));
 }
 
@@ -62,30 +49,28 @@ TextItems GetCPUInfo()
 {
     const ScopeTrace scope("GetCPUInfo");
     TextItems items;
-    AddText(items, {L"HARDWARE\\DESCRIPTION\\System\\CentralProcessor\\0", L"Identifier"});
+    AddText(items, registry::kProcessor);
     return Conclude("GetCPUInfo", std::move(items));
 }
 
 TextItems GetOSLanguageInfo()
 {
     const ScopeTrace scope("GetOSLanguageInfo");
-    std::array<char, 8> text{};
-    std::snprintf(text.data(), text.size(), "0x%04x", ::GetUserDefaultUILanguage());
-    return Conclude("GetOSLanguageInfo", {text.data()});
+    return Conclude("GetOSLanguageInfo", {"0x" + Hexadecimal(::GetUserDefaultUILanguage(), 4)});
 }
 
 TextItems GetATPInfo()
 {
     const ScopeTrace scope("GetATPInfo");
     TextItems items;
-    AddText(items, {L"Software\\Vexora\\Endpoint\\ATP", L"ProductVersion"});
-    AddText(items, {L"Software\\Vexora\\Endpoint\\ATP", L"BuildNumber"});
+    AddText(items, registry::kAtpVersion);
+    AddText(items, registry::kAtpBuild);
     return Conclude("GetATPInfo", std::move(items));
 }
 
 TextItems GetGPUInfo()
 {
-    const std::wstring path = L"SYSTEM\\ControlSet001\\Control\\Class\\{4d36e968-e325-11ce-bfc1-08002be10318}\\";
+    const std::wstring path = registry::kDisplayAdaptersKey;
 
     const ScopeTrace scope("GetGPUInfo");
     const auto adapters = RegistryKey::OpenForReading(path.c_str());
@@ -99,7 +84,7 @@ TextItems GetGPUInfo()
         const auto adapter = RegistryKey::OpenForReading(adapterPath.c_str());
         if (!adapter) {
             LogWarning("GetGPUInfo: Failed to open " + ToNarrow(adapterPath));
-        } else if (const auto text = adapter->QueryWholeText(L"DriverDesc")) {
+        } else if (const auto text = adapter->QueryWholeText(registry::kAdapterName)) {
             items.push_back(ToUtf8(*text));
         } else {
             LogWarning("GetGPUInfo: RegQueryValueExW Failed to query 'DriverDesc' in " + ToNarrow(adapterPath));

@@ -6,9 +6,9 @@ namespace vantor {
 
 std::optional<ContentVersion> ParseContentVersion(std::string_view text)
 {
-    constexpr std::size_t kLongest = 15;
+    constexpr std::size_t kMaxLength = 15;
 
-    if (text.size() > kLongest) {
+    if (text.size() > kMaxLength) {
         return std::nullopt;
     }
     const auto parts = ParseDottedVersion(text);

@@ -1,6 +1,7 @@
 // The health record: what one pulse reports, its 46 bytes on the wire, and its text in the log.
 #pragma once
 
+#include "run/config/run_config.h"
 #include "vantor_version.h"
 
 #include <array>
@@ -77,7 +78,7 @@ struct HealthRecord {
     static constexpr std::uint16_t kDefaultArch = 0x8664;
 
     std::uint8_t struct_version = kLayoutVersion;
-    std::uint8_t mode = 0; ///< 1 predatupdate, 2 postdatupdate, 3 periodic, 0 anything else
+    Mode mode = Mode::none; ///< after decoding any number, also one that no mode has
     std::uint16_t os_major = 0;
     std::uint16_t os_minor = 0;
     std::uint16_t os_service = 0; ///< major number of the service pack

@@ -5,7 +5,6 @@
 namespace vantor {
 namespace {
 
-constexpr std::uint8_t kPreUpdateModeByte = 1;
 constexpr std::size_t kBlockLengthSize = 2;
 constexpr std::size_t kBlockLimitBytes = kReportLimitBytes - HealthRecord::kWireSize - kBlockLengthSize;
 
@@ -75,7 +74,7 @@ Report DecodeReport(std::span<const std::uint8_t> bytes)
     }
 
     const auto rest = bytes.subspan(HealthRecord::kWireSize);
-    if (report.record.mode != kPreUpdateModeByte) {
+    if (report.record.mode != Mode::preUpdate) {
         if (!rest.empty()) {
             throw ReportError(std::to_string(rest.size()) + " bytes follow a record that has no text block");
         }

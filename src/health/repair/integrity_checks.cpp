@@ -3,17 +3,16 @@
 #include "health/protection/access_protection.h"
 #include "health/record/dotted_version.h"
 #include "platform/multi_string.h"
-#include "platform/registry.h"
 #include "platform/text.h"
 #include "run/log/log_texts.h"
 #include "run/log/logging.h"
+#include "run/product/registry_values.h"
 
 #include <string>
 
 namespace vantor {
 namespace {
 
-constexpr wchar_t kServiceKey[] = L"System\\CurrentControlSet\\Services\\vxedisk";
 constexpr REGSAM kRead = KEY_QUERY_VALUE | KEY_WOW64_64KEY;
 constexpr REGSAM kReadAndWrite = KEY_QUERY_VALUE | KEY_SET_VALUE | KEY_WOW64_64KEY;
 
@@ -54,31 +53,29 @@ std::optional<std::uint32_t> WantedStart(bool isListed, std::uint32_t start)
 
 void EnsureQualityCompat()
 {
-    constexpr wchar_t kValue[] = L"cadca5fe-87d3-4b96-b7fb-a231484277cc";
+    constexpr auto& kValue = registry::kQualityCompat;
 
-    const auto key = RegistryKey::OpenOrCreate(L"Software\\Microsoft\\Windows\\CurrentVersion\\QualityCompat",
-                                               KEY_SET_VALUE | KEY_WOW64_64KEY);
-    if (!key || key->QueryDword(kValue, 1) == 0U) {
+    const auto key = RegistryKey::OpenOrCreate(kValue.key, KEY_SET_VALUE | KEY_WOW64_64KEY);
+    if (!key || key->QueryDword(kValue.name, 1) == 0U) {
         return;
     }
-    key->DeleteValue(kValue);
-    key->SetDword(kValue, 0);
+    key->DeleteValue(kValue.name);
+    key->SetDword(kValue.name, 0);
 }
 
 void CheckVxediskDeleteFlag(RunConfig& config)
 {
-    constexpr wchar_t kValue[] = L"DeleteFlag";
+    constexpr auto& kFlag = registry::kFilterDriverDeleteFlag;
 
-    const auto service = RegistryKey::Open(kServiceKey, kRead);
-    if (!service || !service->QueryDword(kValue)) {
+    if (!ReadDword(kFlag, 0, kRead)) {
         return;
     }
     config.vxediskDeleteFlag = true;
 
     ScopedAccessProtectionExclusionObject exclusion;
     RequestServiceAccess(exclusion);
-    const auto writable = RegistryKey::Open(kServiceKey, kReadAndWrite);
-    config.vxediskDeleteFlagError = !writable || writable->DeleteValue(kValue) != ERROR_SUCCESS;
+    const auto writable = RegistryKey::Open(kFlag.key, kReadAndWrite);
+    config.vxediskDeleteFlagError = !writable || writable->DeleteValue(kFlag.name) != ERROR_SUCCESS;
 }
 
 void CheckVxediskStartValue(RunConfig& config)
@@ -95,24 +92,22 @@ void CheckVxediskStartValue(RunConfig& config)
 
     ScopedAccessProtectionExclusionObject exclusion;
     RequestServiceAccess(exclusion);
-    const auto writable = RegistryKey::Open(kServiceKey, kReadAndWrite);
-    config.vxediskStartValueError = !writable || writable->SetDword(L"Start", *wanted) != ERROR_SUCCESS;
+    const auto writable = RegistryKey::Open(registry::kFilterDriverStart.key, kReadAndWrite);
+    config.vxediskStartValueError =
+        !writable || writable->SetDword(registry::kFilterDriverStart.name, *wanted) != ERROR_SUCCESS;
 }
 
 std::uint32_t GetvxediskStartValue()
 {
-    const auto service = RegistryKey::Open(kServiceKey, kRead);
-    const auto start = service ? service->QueryDword(L"Start") : std::nullopt;
-    const std::uint32_t result = start.value_or(kUnreadableStart);
+    const std::uint32_t result = ReadDword(registry::kFilterDriverStart, 0, kRead).value_or(kUnreadableStart);
     LogTrace(texts::kGetvxediskStartValue + std::to_string(result));
     return result;
 }
 
 bool IsvxediskInUpperFilters()
 {
-    const auto key =
-        RegistryKey::Open(L"System\\CurrentControlSet\\Control\\Class\\{4d36e967-e325-11ce-bfc1-08002be10318}", kRead);
-    const auto filters = key ? key->QueryData(L"UpperFilters", REG_MULTI_SZ) : std::nullopt;
+    const auto key = RegistryKey::Open(registry::kDiskFilters.key, kRead);
+    const auto filters = key ? key->QueryData(registry::kDiskFilters.name, REG_MULTI_SZ) : std::nullopt;
     const bool result = filters && MultiStringContains(*filters, u"vxedisk");
     LogTrace(std::string(texts::kIsvxediskInUpperFilters) + (result ? "1" : "0"));
     return result;
@@ -120,8 +115,7 @@ bool IsvxediskInUpperFilters()
 
 bool IsSystemCoreBelow20_5()
 {
-    const auto key = RegistryKey::Open(L"SOFTWARE\\WOW6432Node\\Vexora\\SystemCore", KEY_READ | KEY_WOW64_32KEY);
-    const auto text = key ? key->QueryWholeText(L"system_core_version") : std::nullopt;
+    const auto text = ReadWholeText(registry::kSystemCoreVersion, KEY_READ | KEY_WOW64_32KEY);
     const auto version = text ? ParseDottedVersion(ToNarrow(*text)) : std::nullopt;
     if (!version) {
         return false;

@@ -3,15 +3,14 @@
 #include "platform/last_error.h"
 #include "platform/modules/shell32.h"
 #include "platform/open_file.h"
+#include "platform/system_time.h"
 #include "platform/text.h"
 #include "run/log/logging.h"
 
 #include <shlobj.h>
 
 #include <algorithm>
-#include <array>
 #include <cstdint>
-#include <cwchar>
 #include <string>
 #include <utility>
 
@@ -66,10 +65,7 @@ std::optional<std::wstring> TraceFolderPath()
 
 std::wstring TraceFileName(const SYSTEMTIME& localTime)
 {
-    std::array<wchar_t, 64> name{};
-    std::swprintf(name.data(), name.size(), L"scupdateETL_%04d%02d%02d.%02d%02d%02d.log", localTime.wYear,
-                  localTime.wMonth, localTime.wDay, localTime.wHour, localTime.wMinute, localTime.wSecond);
-    return name.data();
+    return L"scupdateETL_" + ToWide(FormatTime(ToDateTime(localTime), "YYYYMMDD.hhmmss")) + L".log";
 }
 
 DWORD TraceFolder::Hold()

@@ -1,5 +1,7 @@
 #include "health/tracing/trace_properties.h"
 
+#include <versionhelpers.h>
+
 #include <algorithm>
 #include <iterator>
 
@@ -38,11 +40,7 @@ std::optional<TraceProperties> MakeTraceProperties(const std::wstring& logFile, 
 
 bool IsWindowsVersion6()
 {
-    OSVERSIONINFOEXW version{};
-    version.dwOSVersionInfoSize = sizeof(version);
-    version.dwMajorVersion = 6;
-    const DWORDLONG atLeastMajor = ::VerSetConditionMask(0, VER_MAJORVERSION, VER_GREATER_EQUAL);
-    return ::VerifyVersionInfoW(&version, VER_MAJORVERSION, atLeastMajor) != FALSE;
+    return ::IsWindowsVistaOrGreater();
 }
 
 } // namespace vantor

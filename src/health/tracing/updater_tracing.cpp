@@ -138,7 +138,7 @@ bool HasRoomForTrace(std::uint64_t freeBytes)
 
 bool ShouldStartETLTracing(const RunConfig& config, IEventTracing& tracing, TraceFolder& folder)
 {
-    if (!IsPreUpdate(config)) {
+    if (ModeOf(config) != Mode::preUpdate) {
         return false;
     }
     if (!WasStartedByUpdater()) {

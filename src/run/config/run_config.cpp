@@ -2,24 +2,24 @@
 
 namespace vantor {
 
-bool IsPreUpdate(const RunConfig& config)
+Mode ModeOf(const RunConfig& config)
 {
-    return config.hcmode == kPreUpdateMode;
+    for (const auto& [mode, name] : kModeNames) {
+        if (config.hcmode == name) {
+            return mode;
+        }
+    }
+    return Mode::none;
 }
 
-bool IsPostUpdate(const RunConfig& config)
+std::string_view ModeName(Mode mode)
 {
-    return config.hcmode == kPostUpdateMode;
-}
-
-bool IsPeriodic(const RunConfig& config)
-{
-    return config.hcmode == kPeriodicMode;
-}
-
-bool IsHealthCheck(const RunConfig& config)
-{
-    return IsPreUpdate(config) || IsPostUpdate(config) || IsPeriodic(config);
+    for (const auto& [named, name] : kModeNames) {
+        if (mode == named) {
+            return name;
+        }
+    }
+    return {};
 }
 
 } // namespace vantor

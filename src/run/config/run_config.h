@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace vantor {
 
@@ -40,16 +41,28 @@ struct RunConfig {
     bool operator==(const RunConfig&) const = default;
 };
 
-/// The modes of a health check, as /hcmode names them. Comparisons are exact, case included.
-inline constexpr char kPreUpdateMode[] = "predatupdate";
-inline constexpr char kPostUpdateMode[] = "postdatupdate";
-inline constexpr char kPeriodicMode[] = "periodic";
+/// The modes of a health check, with the numbers that the health record has for them.
+enum class Mode : std::uint8_t {
+    none = 0, ///< no health check
+    preUpdate = 1,
+    postUpdate = 2,
+    periodic = 3,
+};
 
-bool IsPreUpdate(const RunConfig& config);
-bool IsPostUpdate(const RunConfig& config);
-bool IsPeriodic(const RunConfig& config);
+/// The name of each mode in /hcmode and in the output of every tool.
+inline constexpr struct {
+    Mode mode;
+    std::string_view name;
+} kModeNames[] = {
+    {Mode::preUpdate, "predatupdate"},
+    {Mode::postUpdate, "postdatupdate"},
+    {Mode::periodic, "periodic"},
+};
 
-/// True for each of the three modes; an empty mode is none of them.
-bool IsHealthCheck(const RunConfig& config);
+/// The mode that hcmode names, case included; Mode::none for any other text.
+Mode ModeOf(const RunConfig& config);
+
+/// The mode's name; empty for Mode::none and for a number that no mode has.
+std::string_view ModeName(Mode mode);
 
 } // namespace vantor

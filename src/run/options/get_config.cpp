@@ -2,11 +2,11 @@
 
 #include "platform/program.h"
 #include "platform/read_file.h"
-#include "platform/registry.h"
 #include "platform/text.h"
 #include "run/log/log_texts.h"
 #include "run/log/logging.h"
 #include "run/options/options.h"
+#include "run/product/registry_values.h"
 
 #include <algorithm>
 #include <array>
@@ -20,14 +20,14 @@ namespace {
 void ReadSideFile(RunConfig& config)
 {
     constexpr std::string_view kLogFile = "/logfile=";
-    constexpr std::size_t kMostBytes = 1 << 20; // the file holds a line or two; what is longer is not read
+    constexpr std::size_t kMaxBytes = 1 << 20; // the file holds a line or two; what is longer is not read
 
     std::optional<std::wstring> path = ProgramPath();
     if (!path) {
         return;
     }
     path->resize(std::min(path->rfind(L'.'), path->size()));
-    const std::string text = ReadFileStart(*path + L".txt", kMostBytes).value_or("");
+    const std::string text = ReadFileStart(*path + L".txt", kMaxBytes).value_or("");
     for (std::string_view rest = text; !rest.empty();) {
         const std::string_view line = rest.substr(0, rest.find('\n'));
         rest.remove_prefix(std::min(line.size() + 1, rest.size()));
@@ -43,13 +43,13 @@ void ReadRegistry(RunConfig& config)
     constexpr std::size_t kBufferChars = 260;
     constexpr DWORD kBufferBytes = kBufferChars * sizeof(wchar_t);
 
-    const auto key = RegistryKey::OpenForReading(L"Software\\Vexora\\AVSolution\\DS\\DS");
+    const auto key = RegistryKey::OpenForReading(registry::kLogPath.key);
     if (!key) {
         return;
     }
     std::array<wchar_t, kBufferChars> path{};
     DWORD size = kBufferBytes - sizeof(wchar_t);
-    const LSTATUS status = key->Query(L"szVanTORLog", path.data(), size);
+    const LSTATUS status = key->Query(registry::kLogPath.name, path.data(), size);
     if (size >= kBufferBytes) {
         EndProcessAtOnce(); // a size out of range is fatal here, not an error to report
     }

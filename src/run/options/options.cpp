@@ -15,7 +15,8 @@ enum class Value { none, required, mayBeEmpty };
 struct Option {
     std::string_view name;
     Value value;
-    void (*apply)(RunConfig& config, const std::string& value);
+    void (*apply)(RunConfig& config, const std::string& value) = nullptr;
+    std::string RunConfig::*text = nullptr; ///< instead of apply: takes the value as it is
 };
 
 /// Sets a number option whose field holds any number up to its type's maximum.
@@ -25,12 +26,6 @@ void SetUnsigned(RunConfig& config, const std::string& value)
     auto& field = config.*Field;
     using Number = std::remove_reference_t<decltype(field)>;
     field = static_cast<Number>(ConvertToUnsigned(value, std::numeric_limits<Number>::max()));
-}
-
-template <auto Field>
-void SetText(RunConfig& config, const std::string& value)
-{
-    config.*Field = value;
 }
 
 template <auto Field>
@@ -52,19 +47,19 @@ constexpr Option kOptions[] = {
     {"/resttest", Value::none, SetFlag<&RunConfig::restTest>},
     {"/cleanstate", Value::none, SetFlag<&RunConfig::cleanState>},
     {"/continue", Value::none, SetFlag<&RunConfig::continueRun>},
-    {texts::kHcmodeOption, Value::required, SetText<&RunConfig::hcmode>},
-    {"/datver", Value::required, SetText<&RunConfig::datver>},
+    {texts::kHcmodeOption, Value::required, nullptr, &RunConfig::hcmode},
+    {"/datver", Value::required, nullptr, &RunConfig::datver},
     {"/datupdatestatus", Value::required, SetUpdateStatus},
     {"/delaypostdat", Value::required, SetUnsigned<&RunConfig::delayPostDat>},
-    {"/logfile", Value::required, SetText<&RunConfig::logFile>},
+    {"/logfile", Value::required, nullptr, &RunConfig::logFile},
     {"/verbose", Value::none, SetFlag<&RunConfig::verbose>},
-    {"/server", Value::required, SetText<&RunConfig::server>},
+    {"/server", Value::required, nullptr, &RunConfig::server},
     {"/port", Value::required, SetUnsigned<&RunConfig::port>},
-    {"/username", Value::mayBeEmpty, SetText<&RunConfig::username>},
-    {texts::kPasswordOption, Value::mayBeEmpty, SetText<&RunConfig::password>},
-    {"/domain", Value::required, SetText<&RunConfig::domain>},
-    {"/principal", Value::required, SetText<&RunConfig::principal>},
-    {"/target", Value::required, SetText<&RunConfig::target>},
+    {"/username", Value::mayBeEmpty, nullptr, &RunConfig::username},
+    {texts::kPasswordOption, Value::mayBeEmpty, nullptr, &RunConfig::password},
+    {"/domain", Value::required, nullptr, &RunConfig::domain},
+    {"/principal", Value::required, nullptr, &RunConfig::principal},
+    {"/target", Value::required, nullptr, &RunConfig::target},
 };
 
 const Option* FindOption(std::string_view lowerCased)
@@ -90,12 +85,70 @@ std::string TakeValue(const Option& option, const std::string& argument)
     return argument.substr(equals + 1);
 }
 
-/// The options that may accompany every command: where and how the log is written.
-void ResetLogOptions(RunConfig& config)
+void Apply(const Option& option, const std::string& argument, RunConfig& config)
 {
-    config.verbose = false;
-    config.logFile.clear();
+    const std::string value = option.value == Value::none ? std::string() : TakeValue(option, argument);
+    if (option.text) {
+        config.*option.text = value;
+    } else {
+        option.apply(config, value);
+    }
 }
+
+template <auto... Fields>
+void Reset(RunConfig& config, const RunConfig& defaults)
+{
+    ((config.*Fields = defaults.*Fields), ...);
+}
+
+/// True when all fields but those that `reset` resets have their defaults.
+bool HasOnly(RunConfig config, void (*reset)(RunConfig& config, const RunConfig& defaults))
+{
+    const RunConfig defaults;
+    reset(config, defaults);
+    return config == defaults;
+}
+
+/// What options demand of one another.
+struct Rule {
+    bool (*applies)(const RunConfig& config);
+    bool (*holds)(const RunConfig& config);
+    const char* message;                     ///< when it applies and does not hold
+    std::string RunConfig::*shown = nullptr; ///< what the message ends with
+};
+
+constexpr Rule kRules[] = {
+    {[](const RunConfig& config) { return config.uninstall; },
+     [](const RunConfig& config) {
+         return HasOnly(config, Reset<&RunConfig::uninstall, &RunConfig::verbose, &RunConfig::logFile>);
+     },
+     "/uninstall must be the only option set."},
+    {[](const RunConfig& config) { return config.cleanState; },
+     [](const RunConfig& config) {
+         return HasOnly(config, Reset<&RunConfig::cleanState, &RunConfig::verbose, &RunConfig::logFile>);
+     },
+     "/cleanstate must be the only option set."},
+    {[](const RunConfig& config) { return config.periodicRunCount < RunConfig::kNoRunCount; },
+     [](const RunConfig& config) {
+         return HasOnly(config,
+                        Reset<&RunConfig::periodicRunCount, &RunConfig::test, &RunConfig::verbose, &RunConfig::logFile,
+                              &RunConfig::hcmode, &RunConfig::server, &RunConfig::port, &RunConfig::username,
+                              &RunConfig::password, &RunConfig::domain, &RunConfig::principal, &RunConfig::target>);
+     },
+     "/periodicruncount can only have proxy/hcmode settings."},
+    {[](const RunConfig& config) { return !config.hcmode.empty(); },
+     [](const RunConfig& config) { return ModeOf(config) != Mode::none; },
+     "/hcmode must be {predatupdate|postdatupdate|periodic}: ", &RunConfig::hcmode},
+    {[](const RunConfig& config) { return ModeOf(config) == Mode::postUpdate; },
+     [](const RunConfig& config) { return config.datUpdateStatusSet; },
+     "/datupdatestatus=<number> is mandatory if /hcmode=postdatupdate "},
+    {[](const RunConfig& config) { return config.delayPostDat != 0; },
+     [](const RunConfig& config) { return ModeOf(config) == Mode::postUpdate; },
+     "/delaypostdat=<number> can only be used with /hcmode=postdatupdate "},
+    {[](const RunConfig& config) { return !config.server.empty() || config.port != 0; },
+     [](const RunConfig& config) { return !config.server.empty() && config.port != 0; },
+     "/server and /port must be specified together"},
+};
 
 } // namespace
 
@@ -112,7 +165,7 @@ void ParseArguments(std::span<const std::string> arguments, RunConfig& config, I
 
         const std::string lowerCased = LowerCase(argument);
         if (const Option* const option = FindOption(lowerCased)) {
-            option->apply(config, option->value == Value::none ? std::string() : TakeValue(*option, argument));
+            Apply(*option, argument, config);
             continue;
         }
         const bool isProgramPath = index == 0 && lowerCased.find("vantor") != std::string::npos;
@@ -124,49 +177,10 @@ void ParseArguments(std::span<const std::string> arguments, RunConfig& config, I
 
 void Validate(const RunConfig& config)
 {
-    const RunConfig defaults;
-
-    if (config.uninstall) {
-        RunConfig rest = config;
-        rest.uninstall = false;
-        ResetLogOptions(rest);
-        if (rest != defaults) {
-            throw OptionError("/uninstall must be the only option set.");
+    for (const Rule& rule : kRules) {
+        if (rule.applies(config) && !rule.holds(config)) {
+            throw OptionError(rule.message + (rule.shown ? config.*rule.shown : std::string()));
         }
-    }
-    if (config.cleanState) {
-        RunConfig rest = config;
-        rest.cleanState = false;
-        ResetLogOptions(rest);
-        if (rest != defaults) {
-            throw OptionError("/cleanstate must be the only option set.");
-        }
-    }
-    if (config.periodicRunCount < RunConfig::kNoRunCount) {
-        RunConfig rest = config;
-        rest.periodicRunCount = RunConfig::kNoRunCount;
-        rest.test = false;
-        ResetLogOptions(rest);
-        rest.port = 0;
-        for (auto field : {&RunConfig::hcmode, &RunConfig::server, &RunConfig::username, &RunConfig::password,
-                           &RunConfig::domain, &RunConfig::principal, &RunConfig::target}) {
-            (rest.*field).clear();
-        }
-        if (rest != defaults) {
-            throw OptionError("/periodicruncount can only have proxy/hcmode settings.");
-        }
-    }
-    if (!config.hcmode.empty() && !IsHealthCheck(config)) {
-        throw OptionError("/hcmode must be {predatupdate|postdatupdate|periodic}: " + config.hcmode);
-    }
-    if (IsPostUpdate(config) && !config.datUpdateStatusSet) {
-        throw OptionError("/datupdatestatus=<number> is mandatory if /hcmode=postdatupdate ");
-    }
-    if (config.delayPostDat != 0 && !IsPostUpdate(config)) {
-        throw OptionError("/delaypostdat=<number> can only be used with /hcmode=postdatupdate ");
-    }
-    if (config.server.empty() != (config.port == 0)) {
-        throw OptionError("/server and /port must be specified together");
     }
 }
 

@@ -1,6 +1,6 @@
 #include "run/product/brand.h"
 
-#include "platform/registry.h"
+#include "run/product/registry_values.h"
 
 namespace vantor {
 
@@ -8,12 +8,10 @@ bool IsConsumerProductInstalled()
 {
     constexpr std::size_t kBufferBytes = 62;
 
-    if (const auto consumer = RegistryKey::OpenForReading(L"Software\\Vexora\\VSC")) {
-        return consumer->QueryText(L"MarketReleaseName", kBufferBytes) ||
-               consumer->QueryText(L"MarketReleaseVer", kBufferBytes);
+    if (RegistryKey::OpenForReading(registry::kConsumerKey)) {
+        return ReadText(registry::kConsumerName, kBufferBytes) || ReadText(registry::kConsumerVersion, kBufferBytes);
     }
-    const auto engine = RegistryKey::OpenForReading(L"Software\\VxeAV");
-    return engine && engine->QueryText(L"VersionInfo", kBufferBytes);
+    return ReadText(registry::kAntiVirusVersion, kBufferBytes).has_value();
 }
 
 } // namespace vantor

@@ -1,13 +1,12 @@
 #include "run/product/ipv6_preference.h"
 
-#include "platform/registry.h"
+#include "run/product/registry_values.h"
 
 namespace vantor {
 
 bool PrefersIpv6()
 {
-    const auto key = RegistryKey::OpenForReading(L"SOFTWARE\\Vexora\\AVSolution\\VXSHIELDGLOBAL\\GLOBAL");
-    return key && key->QueryDword(L"vriuseipv6").value_or(0) != 0;
+    return ReadDword(registry::kPrefersIpv6).value_or(0) != 0;
 }
 
 } // namespace vantor

@@ -2,6 +2,7 @@
 
 #include "platform/com.h"
 #include "platform/program.h"
+#include "platform/system_time.h"
 #include "platform/text.h"
 #include "run/log/log_texts.h"
 #include "run/log/logging.h"
@@ -11,7 +12,6 @@
 #include <taskschd.h>
 
 #include <chrono>
-#include <ctime>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -35,7 +35,7 @@ void Require(HRESULT result, const std::string& message, const std::string& deta
 }
 
 /// The time as Windows shows it. The C runtime's conversion would obey an environment variable TZ.
-std::tm WindowsLocalTime(std::chrono::sys_seconds time)
+DateTime WindowsLocalTime(std::chrono::sys_seconds time)
 {
     constexpr long long kSecondsFrom1601To1970 = 11'644'473'600;
 
@@ -46,14 +46,7 @@ std::tm WindowsLocalTime(std::chrono::sys_seconds time)
     SYSTEMTIME local{};
     ::FileTimeToSystemTime(&file, &utc);
     ::SystemTimeToTzSpecificLocalTime(nullptr, &utc, &local);
-    std::tm result{};
-    result.tm_year = local.wYear - 1900;
-    result.tm_mon = local.wMonth - 1;
-    result.tm_mday = local.wDay;
-    result.tm_hour = local.wHour;
-    result.tm_min = local.wMinute;
-    result.tm_sec = local.wSecond;
-    return result;
+    return ToDateTime(local);
 }
 
 /// The Task Scheduler's root folder. The two messages are those of the callers, which word them differently.

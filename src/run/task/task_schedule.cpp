@@ -29,13 +29,6 @@ std::string Quoted(const std::string& text)
     return '"' + text + std::string(backslashes, '\\') + '"';
 }
 
-std::string Boundary(const std::tm& time)
-{
-    char text[sizeof("2000-01-01T00:00:00")] = "";
-    std::strftime(text, sizeof(text), "%Y-%m-%dT%H:%M:%S", &time);
-    return text;
-}
-
 } // namespace
 
 bool RegistersNextRun(const RunConfig& config)
@@ -64,7 +57,8 @@ NextRun NextRunAfter(const RunConfig& config)
 
 std::string TaskArguments(const RunConfig& config, std::optional<std::uint8_t> nextCount)
 {
-    std::string text = std::string(" /hcmode=") + kPeriodicMode;
+    std::string text = " /hcmode=";
+    text += ModeName(Mode::periodic);
     if (!config.logFile.empty()) {
         text += " /logfile=" + Quoted(config.logFile);
     }
@@ -86,7 +80,9 @@ std::string TaskArguments(const RunConfig& config, std::optional<std::uint8_t> n
 
 TaskWindow WindowAfter(std::chrono::sys_seconds now, std::chrono::seconds delay, LocalTime localTime)
 {
-    return {Boundary(localTime(now + delay)), Boundary(localTime(now + delay + kWindow))};
+    constexpr std::string_view kLayout = "YYYY-MM-DDThh:mm:ss";
+
+    return {FormatTime(localTime(now + delay), kLayout), FormatTime(localTime(now + delay + kWindow), kLayout)};
 }
 
 } // namespace vantor

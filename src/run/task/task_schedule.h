@@ -1,11 +1,11 @@
 // When the periodic task runs next and with which arguments: the chain in which each run registers the following one.
 #pragma once
 
+#include "platform/formatting.h"
 #include "run/config/run_config.h"
 
 #include <chrono>
 #include <cstdint>
-#include <ctime>
 #include <optional>
 #include <string>
 
@@ -29,16 +29,16 @@ NextRun NextRunAfter(const RunConfig& config);
 /// the proxy's password, in clear text. Begins with a blank.
 std::string TaskArguments(const RunConfig& config, std::optional<std::uint8_t> nextCount);
 
-/// Between which times the task's trigger is active, as local time "%Y-%m-%dT%H:%M:%S" without a zone.
+/// Between which times the task's trigger is active, in local time, such as "2026-03-07T23:00:00".
 struct TaskWindow {
     std::string start;
     std::string end;
 };
 
 /// A time in the machine's zone.
-using LocalTime = std::tm (*)(std::chrono::sys_seconds time);
+using LocalTime = DateTime (*)(std::chrono::sys_seconds time);
 
-/// The window that opens after the delay and stays open for three days, those of a clock change included.
+/// The window that opens after the delay and stays open for 72 hours, even if the clocks change meanwhile.
 TaskWindow WindowAfter(std::chrono::sys_seconds now, std::chrono::seconds delay, LocalTime localTime);
 
 } // namespace vantor

@@ -10,8 +10,6 @@
 namespace vantor {
 namespace {
 
-constexpr DWORD kEnableHttpProtocol = 133; // WINHTTP_OPTION_ENABLE_HTTP_PROTOCOL, which older headers lack
-
 bool IsConnectFailure(DWORD error)
 {
     return error == ERROR_WINHTTP_TIMEOUT || error == ERROR_WINHTTP_CANNOT_CONNECT;
@@ -118,7 +116,8 @@ DWORD HttpConnection::OpenHandles(const OperationLog& log)
         return fail("WinHttpSetOption");
     }
     DWORD newerProtocols = 0;
-    if (!m_HttpInterface->SetOption(m_hSession, kEnableHttpProtocol, &newerProtocols, sizeof(newerProtocols))) {
+    if (!m_HttpInterface->SetOption(m_hSession, WINHTTP_OPTION_ENABLE_HTTP_PROTOCOL, &newerProtocols,
+                                    sizeof(newerProtocols))) {
         if (const DWORD error = fail("WinHttpSetOption"); error != ERROR_WINHTTP_INVALID_OPTION) {
             return error;
         }

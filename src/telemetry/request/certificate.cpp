@@ -1,11 +1,10 @@
 #include "telemetry/request/certificate.h"
 
 #include "platform/modules/crypt32.h"
+#include "platform/system_time.h"
 #include "platform/text.h"
 #include "telemetry/request/pem.h"
 
-#include <array>
-#include <cstdio>
 #include <string>
 
 namespace vantor {
@@ -50,10 +49,7 @@ std::string TimeText(const FILETIME& time)
     if (!::FileTimeToSystemTime(&time, &parts)) {
         return "unknown";
     }
-    std::array<char, 40> text{};
-    std::snprintf(text.data(), text.size(), "%04d-%02d-%02d %02d:%02d:%02d", parts.wYear, parts.wMonth, parts.wDay,
-                  parts.wHour, parts.wMinute, parts.wSecond);
-    return text.data();
+    return FormatTime(ToDateTime(parts), kReadableTime);
 }
 
 } // namespace

@@ -10,11 +10,11 @@ namespace {
 TEST(Report, CarriesTheItemsBehindTheirLength)
 {
     const std::vector<std::string> items = {"ab", "", "c"};
-    const ReportBytes bytes = EncodeReport({.mode = 1}, BuildTextBlock(items));
+    const ReportBytes bytes = EncodeReport({.mode = Mode::preUpdate}, BuildTextBlock(items));
     const ReportBytes tail(bytes.begin() + 46, bytes.end());
     EXPECT_EQ(tail, (ReportBytes{6, 0, 'a', 'b', 0, 0, 'c', 0}));
     EXPECT_EQ(DecodeReport(bytes).textItems, items);
-    EXPECT_EQ(EncodeReport({.mode = 1}, BuildTextBlock({})).size(), 48u);
+    EXPECT_EQ(EncodeReport({.mode = Mode::preUpdate}, BuildTextBlock({})).size(), 48u);
 }
 
 TEST(Report, LeavesOutWhatWouldNotFitAndEndsItemsAtTheirFirstNul)
@@ -23,7 +23,7 @@ TEST(Report, LeavesOutWhatWouldNotFitAndEndsItemsAtTheirFirstNul)
     const std::vector<std::string> items = {filling, "too long", std::string("a\0b", 3)};
     const TextBlock block = BuildTextBlock(items);
     EXPECT_EQ(block.leftOut, std::vector<std::string>{"too long"});
-    const ReportBytes bytes = EncodeReport({.mode = 1}, block);
+    const ReportBytes bytes = EncodeReport({.mode = Mode::preUpdate}, block);
     EXPECT_EQ(bytes.size(), kReportLimitBytes);
     EXPECT_EQ(DecodeReport(bytes).textItems, (std::vector<std::string>{filling, "a"}));
 }
@@ -31,7 +31,7 @@ TEST(Report, LeavesOutWhatWouldNotFitAndEndsItemsAtTheirFirstNul)
 TEST(Report, DecodingSaysWhatIsWrong)
 {
     const ReportBytes plain = EncodeReport(HealthRecord());
-    const ReportBytes block = EncodeReport({.mode = 1}, BuildTextBlock(std::vector<std::string>{"item"}));
+    const ReportBytes block = EncodeReport({.mode = Mode::preUpdate}, BuildTextBlock(std::vector<std::string>{"item"}));
     const struct {
         ReportBytes bytes;
         std::size_t size;

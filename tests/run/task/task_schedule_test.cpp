@@ -14,7 +14,6 @@
 #endif
 
 #include <algorithm>
-#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -137,8 +136,7 @@ TEST(TaskSchedule, TheWindowLastsThreeDaysWhateverTheClockDoes)
 {
     const auto easternTime = [](std::chrono::sys_seconds time) {
         constexpr std::chrono::sys_seconds kSpring = std::chrono::sys_days(std::chrono::year(2026) / 3 / 8) + 7h;
-        const std::time_t value = std::chrono::system_clock::to_time_t(time - (time < kSpring ? 5h : 4h));
-        return *std::gmtime(&value);
+        return UtcDateTime(time - (time < kSpring ? 5h : 4h));
     };
     const std::chrono::sys_seconds eveBeforeSpring = std::chrono::sys_days(std::chrono::year(2026) / 3 / 7) + 4h;
     const TaskWindow window = WindowAfter(eveBeforeSpring, 86400s, easternTime);

@@ -1,0 +1,15 @@
+// Windows' own date and time, for formatting.
+#pragma once
+
+#include "platform/formatting.h"
+
+#include <windows.h>
+
+namespace vantor {
+
+inline DateTime ToDateTime(const SYSTEMTIME& time)
+{
+    return {time.wYear, time.wMonth, time.wDay, time.wHour, time.wMinute, time.wSecond};
+}
+
+} // namespace vantor
