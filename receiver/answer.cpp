@@ -3,79 +3,120 @@
 #include <poll.h>
 
 #include <algorithm>
+#include <utility>
+#include <variant>
 
 namespace vantor::receiver {
 namespace {
 
 constexpr std::size_t kPieceBytes = 16'384;
 
-/// Waits, but not on when the connection is closed.
+/// Waits until the time is over or the connection is closed.
 void Pause(int socket, std::chrono::milliseconds duration)
 {
     pollfd wait{socket, POLLRDHUP, 0};
     ::poll(&wait, 1, static_cast<int>(duration.count()));
 }
 
-/// Cuts the connection, without TLS's own farewell. What follows fails.
+/// Closes the connection without TLS's closing alert. Further writes fail.
 void Cut(int socket)
 {
     ::shutdown(socket, SHUT_RDWR);
 }
 
-bool Write(std::string_view content, httplib::DataSink& sink, std::size_t pieceBytes = kPieceBytes)
+bool Write(std::string_view content, httplib::DataSink& sink)
 {
     bool written = true;
-    for (; written && !content.empty(); content.remove_prefix(std::min(pieceBytes, content.size()))) {
-        written = sink.write(content.data(), std::min(pieceBytes, content.size()));
+    for (; written && !content.empty(); content.remove_prefix(std::min(kPieceBytes, content.size()))) {
+        written = sink.write(content.data(), std::min(kPieceBytes, content.size()));
     }
     return written;
 }
 
-bool Trickle(const Behaviour& behaviour, int socket, std::string_view content, httplib::DataSink& sink)
-{
-    for (const char& byte : content) {
-        Pause(socket, behaviour.pieceDelay);
-        if (!sink.is_writable() || !sink.write(&byte, 1)) {
+/// Writes the body of an answer with one kind of fault; false ends the connection.
+struct BodyWriter {
+    int socket;
+    std::string_view content;
+    httplib::DataSink& sink;
+
+    bool operator()(const auto& /*no fault in the body*/) const { return Write(content, sink); }
+
+    bool operator()(const CutAfterHeaders&) const { return WriteAndCut(0); }
+
+    bool operator()(const CutInBody&) const { return WriteAndCut(content.size() / 2); }
+
+    bool operator()(const EndlessBody&) const
+    {
+        while (Write(content, sink)) {
+        }
+        return false;
+    }
+
+    bool operator()(const SlowBody& slow) const
+    {
+        return std::ranges::all_of(content, [&](const char& byte) {
+            Pause(socket, slow.bytePause);
+            return sink.is_writable() && sink.write(&byte, 1);
+        });
+    }
+
+    bool operator()(const StalledBody& stalled) const
+    {
+        const std::size_t first = std::min(stalled.afterBytes, content.size());
+        if (!Write(content.substr(0, first), sink)) {
             return false;
         }
+        Pause(socket, stalled.pause);
+        return Write(content.substr(first), sink);
     }
-    return true;
-}
 
-/// Writes the whole body, with the pause or up to the cut that is asked for. False ends the connection.
-bool WriteUnevenly(const Behaviour& behaviour, int socket, std::string_view content, httplib::DataSink& sink)
-{
-    if (behaviour.cut == CutPoint::inBody || behaviour.cut == CutPoint::afterHeaders) {
-        Write(content.substr(0, behaviour.cut == CutPoint::inBody ? content.size() / 2 : 0), sink);
+private:
+    bool WriteAndCut(std::size_t bytes) const
+    {
+        Write(content.substr(0, bytes), sink);
         Cut(socket);
         return false;
     }
-    while (behaviour.endless && Write(content, sink)) {
+};
+
+/// Lets the response's body be sent with the framing and the fault.
+void SendBody(const Behaviour& behaviour, int socket, httplib::Response& response)
+{
+    const std::string content = std::exchange(response.body, {});
+    const std::string type = response.get_header_value("Content-Type");
+    const auto write = [=](httplib::DataSink& sink) {
+        return std::visit(BodyWriter{socket, content, sink}, behaviour.fault);
+    };
+    const auto writeToEnd = [=](std::size_t, httplib::DataSink& sink) {
+        const bool whole = write(sink);
+        sink.done();
+        return whole;
+    };
+    switch (behaviour.framing) {
+    case Framing::contentLength:
+        response.set_content_provider(content.size(), type,
+                                      [=](std::size_t, std::size_t, httplib::DataSink& sink) { return write(sink); });
+        break;
+    case Framing::chunked:
+        response.set_chunked_content_provider(type, writeToEnd);
+        break;
+    case Framing::connectionEnd:
+        response.set_header("Connection", "close");
+        response.set_content_provider(type, writeToEnd);
+        break;
     }
-    if (behaviour.pieceDelay.count() != 0) {
-        return Trickle(behaviour, socket, content, sink);
-    }
-    const std::size_t stall = std::min(behaviour.stallAfter.value_or(content.size()), content.size());
-    if (!Write(content.substr(0, stall), sink)) {
-        return false;
-    }
-    if (behaviour.stallAfter) {
-        Pause(socket, behaviour.stallFor);
-    }
-    return Write(content.substr(stall), sink);
 }
 
 } // namespace
 
-void Misbehave(const Behaviour& behaviour, const SSL* connection, httplib::Response& response)
+void InjectFault(const Behaviour& behaviour, const SSL* connection, httplib::Response& response)
 {
     const int socket = ::SSL_get_fd(connection);
     Pause(socket, behaviour.delay);
-    if (!behaviour.bytesBeforeCut.empty()) {
-        ::SSL_write(const_cast<SSL*>(connection), behaviour.bytesBeforeCut.data(),
-                    static_cast<int>(behaviour.bytesBeforeCut.size()));
-    }
-    if (behaviour.cut == CutPoint::beforeAnswer || !behaviour.bytesBeforeCut.empty()) {
+    if (const auto* const cut = std::get_if<CutBeforeAnswer>(&behaviour.fault)) {
+        if (!cut->bytes.empty()) {
+            ::SSL_write(const_cast<SSL*>(connection), cut->bytes.data(), static_cast<int>(cut->bytes.size()));
+        }
         Cut(socket);
         return;
     }
@@ -90,29 +131,10 @@ void Misbehave(const Behaviour& behaviour, const SSL* connection, httplib::Respo
     } else if (response.status == 204 || response.status == 304) { // these have none
         response.body.clear();
     }
-    const bool uneven = behaviour.stallAfter || behaviour.cut != CutPoint::never || behaviour.pieceDelay.count() != 0;
-    if (!behaviour.chunked && !behaviour.unframed && (!uneven || response.body.empty())) {
-        return;
-    }
-    const std::string content = std::exchange(response.body, {});
-    const std::string type = response.get_header_value("Content-Type");
-    if (behaviour.unframed) {
-        response.set_header("Connection", "close");
-        response.set_content_provider(type, [=](std::size_t, httplib::DataSink& sink) {
-            const bool whole = WriteUnevenly(behaviour, socket, content, sink);
-            sink.done();
-            return whole;
-        });
-    } else if (behaviour.chunked) {
-        response.set_chunked_content_provider(type, [=](std::size_t, httplib::DataSink& sink) {
-            const bool whole = WriteUnevenly(behaviour, socket, content, sink);
-            sink.done();
-            return whole;
-        });
-    } else {
-        response.set_content_provider(content.size(), type, [=](std::size_t, std::size_t, httplib::DataSink& sink) {
-            return WriteUnevenly(behaviour, socket, content, sink);
-        });
+    const bool isPlain = behaviour.framing == Framing::contentLength &&
+                         (response.body.empty() || std::holds_alternative<std::monostate>(behaviour.fault));
+    if (!isPlain) {
+        SendBody(behaviour, socket, response);
     }
 }
 

@@ -1,4 +1,4 @@
-// The answer to a posted pulse, well-behaved or not.
+// The answer to a posted pulse, with whatever fault is asked for.
 #pragma once
 
 #include "receiver/behaviour.h"
@@ -7,8 +7,8 @@
 
 namespace vantor::receiver {
 
-/// Turns a response that is ready into the one that the behaviour asks for. Waits and cuts on the connection that the
-/// request came from; every wait ends when the peer or Stop closes it.
-void Misbehave(const Behaviour& behaviour, const SSL* connection, httplib::Response& response);
+/// Turns a response that is ready to be sent into the one that the behaviour asks for. Pauses and cuts happen on the
+/// connection of the request; every pause ends when the client or Receiver::Stop closes it.
+void InjectFault(const Behaviour& behaviour, const SSL* connection, httplib::Response& response);
 
 } // namespace vantor::receiver

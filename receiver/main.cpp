@@ -56,19 +56,22 @@ void Describe(CLI::App& app, Options& options)
     app.add_option("--body-bytes", behaviour.bodyBytes, "answer with a body of so many bytes")
         ->type_name("N")
         ->check(bytes);
-    app.add_flag("--chunked", behaviour.chunked, "send the body in chunks");
+    app.add_flag_callback(
+        "--chunked", [&] { behaviour.framing = Framing::chunked; }, "send the body in chunks");
     app.add_option_function<int>(
-           "--piece-delay", [&](int ms) { behaviour.pieceDelay = std::chrono::milliseconds(ms); },
+           "--piece-delay", [&](int ms) { behaviour.fault = SlowBody{std::chrono::milliseconds(ms)}; },
            "wait so long before each byte of the body")
         ->check(delay)
         ->type_name("MS");
-    app.add_option("--stall-after", behaviour.stallAfter, "stop sending after so many bytes of the body")
+    app.add_option_function<std::size_t>(
+           "--stall-after", [&](std::size_t bytes) { behaviour.fault = StalledBody{bytes}; },
+           "stop sending after so many bytes of the body")
         ->type_name("N")
         ->check(bytes);
     app.add_option_function<std::string>(
            "--close",
            [&](const std::string& when) {
-               behaviour.cut = when == "in-body" ? CutPoint::inBody : CutPoint::beforeAnswer;
+               behaviour.fault = when == "in-body" ? Fault(CutInBody()) : Fault(CutBeforeAnswer());
            },
            "cut the connection")
         ->check(CLI::IsMember({"before-answer", "in-body"}))
@@ -86,8 +89,8 @@ int Complain(const std::string& message, int exitCode)
     return exitCode;
 }
 
-/// The signals that end the receiver, withheld from every thread so that one call waits for them.
-sigset_t WithholdEndingSignals()
+/// Blocks the signals that end the receiver in every thread, so that Serve can wait for them.
+sigset_t BlockEndingSignals()
 {
     sigset_t signals;
     ::sigemptyset(&signals);
@@ -110,7 +113,7 @@ void ShowPulse(const DatedPulse& received, std::ofstream& pulses)
     }
 }
 
-/// Lets the page show the pulses that an earlier run of the receiver has written.
+/// Puts the pulses that an earlier run of the receiver wrote onto the page.
 void ShowEarlierPulses(const std::string& file, Receiver& receiver)
 {
     std::ifstream stream(file, std::ios::binary);
@@ -119,8 +122,8 @@ void ShowEarlierPulses(const std::string& file, Receiver& receiver)
         if (!stream || stream.peek() == std::ifstream::traits_type::eof()) {
             return;
         }
-        const vantor::inspect::Input input = vantor::inspect::ReadInput(stream, Receiver::kMostKept);
-        for (const DatedPulse& pulse : LastPulses(input, Receiver::kMostKept)) {
+        const vantor::inspect::Input input = vantor::inspect::ReadInput(stream, Receiver::kMaxKept);
+        for (const DatedPulse& pulse : LastPulses(input, Receiver::kMaxKept)) {
             receiver.AddPulse(pulse);
         }
         for (const std::string& problem : input.problems.Texts()) {
@@ -140,7 +143,7 @@ int Serve(const Options& options)
             return Complain("cannot write to \"" + options.pulsesFile + '"', kExitCannotStart);
         }
     }
-    const sigset_t signals = WithholdEndingSignals();
+    const sigset_t signals = BlockEndingSignals();
     Receiver receiver(options.config);
     ShowEarlierPulses(options.pulsesFile, receiver);
     receiver.SetBehaviour(options.behaviour);

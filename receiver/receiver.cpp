@@ -20,9 +20,9 @@ constexpr char kAddress[] = "127.0.0.1";
 constexpr char kPulseTarget[] = "(https://localhost(:[0-9]+)?)?/1"; // whole, too: Wine sends it so through a tunnel
 constexpr char kPagePath[] = "/";
 constexpr std::size_t kBodyLimitBytes = 65'536;
-constexpr auto kSilenceLimit = 5s;
+constexpr auto kIdleTimeout = 5s;
 constexpr std::time_t kIdleLimitSeconds = 10;
-constexpr std::size_t kMostRequestsPerConnection = 100;
+constexpr std::size_t kMaxRequestsPerConnection = 100;
 
 /// Whether the connection that this thread serves has brought a request.
 thread_local bool requestSeen = false;
@@ -32,7 +32,7 @@ class Workers final : public httplib::TaskQueue {
 public:
     using Serve = std::function<void(const std::function<void()>& connection)>;
 
-    explicit Workers(Serve serve) : m_serve(std::move(serve)), m_threads(Receiver::kMostConnections) {}
+    explicit Workers(Serve serve) : m_serve(std::move(serve)), m_threads(Receiver::kMaxConnections) {}
 
     /// Nothing in older releases of cpp-httplib; in newer ones, whether there was room for the connection.
     using Enqueued = decltype(std::declval<TaskQueue&>().enqueue({}));
@@ -113,7 +113,7 @@ template <typename Item>
 void Keep(std::deque<Item>& items, Item item)
 {
     items.push_back(std::move(item));
-    if (items.size() > Receiver::kMostKept) {
+    if (items.size() > Receiver::kMaxKept) {
         items.pop_front();
     }
 }
@@ -187,9 +187,9 @@ void Receiver::SetUpServer()
     }
     ::SSL_CTX_set_min_proto_version(m_server->ssl_context(), TLS1_2_VERSION);
     m_server->set_tcp_nodelay(true);
-    m_server->set_read_timeout(kSilenceLimit);
+    m_server->set_read_timeout(kIdleTimeout);
     m_server->set_keep_alive_timeout(kIdleLimitSeconds);
-    m_server->set_keep_alive_max_count(kMostRequestsPerConnection);
+    m_server->set_keep_alive_max_count(kMaxRequestsPerConnection);
     m_server->set_payload_max_length(kBodyLimitBytes);
     m_server->Post(kPulseTarget, [this](const httplib::Request& request, httplib::Response& response,
                                         const httplib::ContentReader& read) { Answer(request, response, read); });
@@ -297,7 +297,7 @@ void Receiver::Answer(const httplib::Request& request, httplib::Response& respon
     response.set_content(accepted ? R"({"accepted":true})" : received.refusal + '\n',
                          accepted ? "application/json" : "text/plain");
     OnRequest(std::move(received));
-    Misbehave(behaviour, request.ssl, response);
+    InjectFault(behaviour, request.ssl, response);
 }
 
 void Receiver::AnswerPage(const httplib::Request& request, httplib::Response& response)

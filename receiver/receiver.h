@@ -58,10 +58,10 @@ public:
 class Receiver {
 public:
     /// Of pulses and of requests so many are kept, the latest.
-    static constexpr std::size_t kMostKept = 1000;
+    static constexpr std::size_t kMaxKept = 1000;
 
     /// So many connections are served at a time. Others wait until one of them ends; a silent one does in seconds.
-    static constexpr std::size_t kMostConnections = 128;
+    static constexpr std::size_t kMaxConnections = 128;
 
     using PulseCallback = std::function<void(const DatedPulse&)>;
     using RefusalCallback = std::function<void(const std::string& line)>;

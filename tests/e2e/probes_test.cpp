@@ -40,9 +40,11 @@ TEST(Probes, EveryFieldOfARichMachineIsReported)
     programs.emplace_back("VxShield.exe", 15); // what every process takes under Wine comes on top: some 7 MiB
     programs.emplace_back("vxeatp.exe", 95);
 
-    WireBytes expected = {14, 3,    10,   0,    0,    0,    0, 0,  0xBA, 0x47, 1, 64, 1,    90,  0x39, 0x30,
-                          7,  0x6E, 0x14, 7,    0,    1,    0, 14, 43,   0,    2, 7,  44,   3,   0xFF, 0xFF,
-                          2,  10,   0x80, 0xFF, 0x87, 0x1F, 0, 0,  0,    0,    0, 0,  0x64, 0x86};
+    WireBytes expected = {14, 3,    10,   0,    0,    0,    0, 0, 0xBA, 0x47, 1, 64, 1,    90,  0x39, 0x30,
+                          7,  0x6E, 0x14, 7,    0,    0,    0, 0, 0,    0,    2, 7,  44,   3,   0xFF, 0xFF,
+                          2,  10,   0x80, 0xFF, 0x87, 0x1F, 0, 0, 0,    0,    0, 0,  0x64, 0x86};
+    expected[21] = VANTOR_VERSION_MAJOR, expected[22] = VANTOR_VERSION_MINOR, expected[23] = VANTOR_VERSION_PATCH;
+    expected[24] = VANTOR_VERSION_BUILD & 0xFF, expected[25] = VANTOR_VERSION_BUILD >> 8;
     const Report periodic = ReportOf({"/hcmode=periodic"});
     EXPECT_EQ(EncodeHealthRecord(periodic.record), expected);
     EXPECT_TRUE(periodic.textItems.empty());

@@ -48,7 +48,12 @@ void SetRegistry(const std::string& lines = {});
 /// A value of the prefix's registry as "reg query" shows it; empty when there is none.
 std::string RegistryValue(const std::string& key, const std::string& value);
 
-/// Expects the log, with "~" for what varies from run to run, to be this file of this folder, line by line.
+/// The text with placeholders for the program's version: "<version>" as in the payload, "<version fields>" as in the log
+/// of a record, "<version bytes>" as in a record in Base64, where the throttle mode, 0, follows the version.
+std::string WithoutVersion(std::string text);
+
+/// Expects the log, with "~" for what varies from run to run and placeholders for the version, to be this file of this
+/// folder, line by line. The test's scratch folder gets the actual one, to be taken over when a change is meant.
 void ExpectLog(const Outcome& outcome, const std::string& file);
 
 /// The command that runs a Windows program in the prefix of these tests, with these "NAME=VALUE" settings.

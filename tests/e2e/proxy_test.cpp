@@ -212,7 +212,8 @@ TEST(Proxies, ALogonOnTheNextConnectionGoesToNoOtherCertificate)
     const Squid squid;
     const Lines challenge = {"Basic realm=\"x\""};
     LocalReceiver first("server-a", 0);
-    first.SetBehaviour({.unframed = true, .challenges = challenge}); // which ends the connection
+    first.SetBehaviour(
+        {.framing = receiver::Framing::connectionEnd, .challenges = challenge}); // which ends the connection
     const std::tuple<const char*, const char*, std::size_t, std::size_t> kCases[] = {
         {"server-b", "", 2, 1},                                          // Wine asks without and is asked itself
         {"server-outsider", "ERROR_WINHTTP_SECURE_FAILURE 12175", 1, 0}, // the pins are asked once a request is sent

@@ -31,7 +31,7 @@ bool IsFailure(const std::string& line)
 }
 
 constexpr char kCiSection[] = R"({"ci":{"affid":"0","cid":"","cliid":"","xpoid":"","pev":1.2,"prn":"VANTor-EPV",)"
-                              R"("pv":"1.0.14","rid":RID,"sdkv":"VXCore REST Client"},"rpt":{"vantor":")";
+                              R"("pv":"<version>","rid":RID,"sdkv":"VXCore REST Client"},"rpt":{"vantor":")";
 
 class PulseTest : public ::testing::Test {
 protected:
@@ -50,11 +50,11 @@ TEST_F(PulseTest, EachModePostsItsReport)
         std::string report;
     } kCases[] = {
         {{"/hcmode=predatupdate", "/datver=5230.7"},
-         "DgEKAAAAAAC6RwH///////9uFAcAAQAOKwAAAAAAAAAAAAAAAQAAAAAAAABkhjcAVW5hdmFpbGFibGUAVW5hdmFpbGFibGUAMHgw"
+         "DgEKAAAAAAC6RwH///////9uFAcA<version bytes>AAAAAAAAAAAAAQAAAAAAAABkhjcAVW5hdmFpbGFibGUAVW5hdmFpbGFibGUAMHgw"
          "NDA5AFVuYXZhaWxhYmxlAFVuYXZhaWxhYmxlAA=="},
         {{"/hcmode=postdatupdate", "/datupdatestatus=-3"},
-         "DgIKAAAAAAC6RwH/////////////AQAOKwAAAAAAAAAAAAAAAgAAAAAAAABkhg=="},
-        {{"/hcmode=periodic"}, "DgMKAAAAAAC6RwH///////8AAAAAAQAOKwAAAAAAAAAAAAAAAQAAAAAAAABkhg=="},
+         "DgIKAAAAAAC6RwH/////////////<version bytes>AAAAAAAAAAAAAgAAAAAAAABkhg=="},
+        {{"/hcmode=periodic"}, "DgMKAAAAAAC6RwH///////8AAAAA<version bytes>AAAAAAAAAAAAAQAAAAAAAABkhg=="},
     };
     LocalReceiver receiver;
     for (const auto& [arguments, report] : kCases) {
@@ -67,7 +67,7 @@ TEST_F(PulseTest, EachModePostsItsReport)
         const auto requests = receiver.Requests();
         ASSERT_EQ(requests.size(), 1u);
         EXPECT_EQ(requests[0].refusal, "");
-        EXPECT_EQ(WithoutId(requests[0].body), kCiSection + report + "\"}}");
+        EXPECT_EQ(WithoutVersion(WithoutId(requests[0].body)), kCiSection + report + "\"}}");
         EXPECT_EQ(requests[0].method + requests[0].target, "POST/1");
         EXPECT_EQ(requests[0].headers, (std::vector<std::pair<std::string, std::string>>{
                                            {"Connection", "Keep-Alive"},
@@ -112,30 +112,33 @@ TEST_F(PulseTest, OnlyAPinnedIssuersServerIsTrusted)
 
 TEST_F(PulseTest, WhateverTheReplyTheRunEndsAndItsLogTells)
 {
-    using receiver::CutPoint;
+    using namespace receiver;
     const struct {
         Behaviour behaviour;
         std::string text; ///< of one line of the log
     } kCases[] = {
         {{.bodyBytes = 1024 * 1024}, "Response data: " + std::string(1024 * 1024, 'x')},
-        {{.bodyBytes = 70000, .chunked = true}, "Response data: " + std::string(70000, 'x')},
+        {{.bodyBytes = 70000, .framing = Framing::chunked}, "Response data: " + std::string(70000, 'x')},
         {{.bodyBytes = 0}, "Response data: "},
         {{.status = 204}, "Send telemetry failed. WinHTTP status: 204"},
         {{.status = 500}, "Send telemetry failed. WinHTTP status: 500"},
         {{.status = 302, .headers = {{"Location", "https://localhost:1/"}}}, "failed. WinHTTP status: 302"},
         {{.status = 307, .headers = {{"Location", "/1"}}}, "Send telemetry failed. WinHTTP status: 307"},
-        {{.cut = CutPoint::beforeAnswer}, "ERROR_WINHTTP_INVALID_SERVER_RESPONSE 12152"},
-        {{.bytesBeforeCut = "HTTP/1.1 2"}, "ERROR_WINHTTP_INVALID_SERVER_RESPONSE 12152"},
-        {{.bytesBeforeCut = "HTTP/1.1 200 OK\r\nContent-Le"}, "Response data: "}, // nor does it miss a header
-        {{.bytesBeforeCut = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n1\r\nx\r\n1"}, "Response data: x"},
-        {{.bodyBytes = 1000, .stallAfter = 10}, "Send telemetry failed. WinHTTP error: Unknown error (10060) 10060"},
-        {{.bodyBytes = 1000, .cut = CutPoint::afterHeaders}, "Response data: "}, // Wine takes a short body for whole
-        {{.bodyBytes = 1000, .cut = CutPoint::inBody}, "Response data: x"},
-        {{.bodyBytes = 1000, .chunked = true, .cut = CutPoint::inBody}, "Response data: x"},
-        {{.bodyBytes = 1000, .chunked = true, .endless = true},
+        {{.fault = CutBeforeAnswer()}, "ERROR_WINHTTP_INVALID_SERVER_RESPONSE 12152"},
+        {{.fault = CutBeforeAnswer{"HTTP/1.1 2"}}, "ERROR_WINHTTP_INVALID_SERVER_RESPONSE 12152"},
+        {{.fault = CutBeforeAnswer{"HTTP/1.1 200 OK\r\nContent-Le"}}, "Response data: "}, // nor does it miss a header
+        {{.fault = CutBeforeAnswer{"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n1\r\nx\r\n1"}},
+         "Response data: x"},
+        {{.bodyBytes = 1000, .fault = StalledBody{10}},
+         "Send telemetry failed. WinHTTP error: Unknown error (10060) 10060"},
+        {{.bodyBytes = 1000, .fault = CutAfterHeaders()}, "Response data: "}, // Wine takes a short body for whole
+        {{.bodyBytes = 1000, .fault = CutInBody()}, "Response data: x"},
+        {{.bodyBytes = 1000, .framing = Framing::chunked, .fault = CutInBody()}, "Response data: x"},
+        {{.bodyBytes = 1000, .framing = Framing::chunked, .fault = EndlessBody()},
          " WARN: HttpRequest::ReadPayload: The reply is cut after"},
-        {{.bodyBytes = 1000, .unframed = true, .endless = true}, "The reply is cut after 1048000 bytes"},
-        {{.bodyBytes = 9, .pieceDelay = std::chrono::milliseconds(100)}, "Response data: xxxxxxxxx"},
+        {{.bodyBytes = 1000, .framing = Framing::connectionEnd, .fault = EndlessBody()},
+         "The reply is cut after 1048000 bytes"},
+        {{.bodyBytes = 9, .fault = SlowBody{std::chrono::milliseconds(100)}}, "Response data: xxxxxxxxx"},
     };
     LocalReceiver receiver;
     for (const auto& [behaviour, text] : kCases) {

@@ -15,7 +15,7 @@
 namespace vantor::e2e {
 namespace {
 
-constexpr int kSilenceLimitMs = 30'000;
+constexpr int kIdleTimeoutMs = 30'000;
 
 /// Binds the socket to a port of this machine, or connects it; false when that fails.
 bool CallWithPort(int (*call)(int, const sockaddr*, socklen_t), int socket, std::uint16_t port)
@@ -66,7 +66,7 @@ void Relay::Pass(int client, std::uint16_t upstream)
     std::size_t passed = 0;
     bool isOpen = CallWithPort(::connect, server, upstream);
     while (isOpen && passed < m_cutAfter) {
-        if (::poll(ends.data(), ends.size(), kSilenceLimitMs) <= 0) {
+        if (::poll(ends.data(), ends.size(), kIdleTimeoutMs) <= 0) {
             break;
         }
         const bool back = ends[1].revents != 0;

@@ -29,7 +29,7 @@ protected:
     {
         httplib::SSLClient client("localhost", m_receiver.Port());
         client.set_ca_cert_path(VANTOR_PKI_DIRECTORY "/issuers.pem");
-        client.set_read_timeout(m_patience);
+        client.set_read_timeout(m_timeout);
         std::string received;
         httplib::Request request;
         request.method = method;
@@ -63,7 +63,7 @@ protected:
         EXPECT_LT(std::chrono::steady_clock::now() - begin, 4s); // a silent handshake is given five
     }
 
-    std::chrono::milliseconds m_patience = 20s;
+    std::chrono::milliseconds m_timeout = 20s;
     std::vector<int> m_strangers;
     Receiver m_receiver{{VANTOR_PKI_DIRECTORY "/server-a.pem", VANTOR_PKI_DIRECTORY "/server-a.key", 0}};
 };
@@ -113,19 +113,19 @@ TEST_F(ReceiverTest, MisbehavesAsTold)
         Behaviour behaviour;
         int status;
         std::size_t bodyBytes;
-        std::chrono::milliseconds patience = 20s;
+        std::chrono::milliseconds timeout = 20s;
     } kCases[] = {
         {{.status = 302, .headers = {{"Location", "/elsewhere"}}}, 302, 17},
         {{.delay = 20s}, -1, 0, 1500ms},
-        {{.bodyBytes = kMiB, .chunked = true}, 200, kMiB},
-        {{.stallAfter = 5, .stallFor = 300ms}, 200, 17},
-        {{.stallAfter = 5}, -1, 5, 1500ms},
-        {{.bodyBytes = kMiB, .cut = CutPoint::inBody}, -1, kMiB / 2},
-        {{.bodyBytes = kMiB, .chunked = true, .cut = CutPoint::inBody}, -1, kMiB / 2},
+        {{.bodyBytes = kMiB, .framing = Framing::chunked}, 200, kMiB},
+        {{.fault = StalledBody{5, 300ms}}, 200, 17},
+        {{.fault = StalledBody{5}}, -1, 5, 1500ms},
+        {{.bodyBytes = kMiB, .fault = CutInBody()}, -1, kMiB / 2},
+        {{.bodyBytes = kMiB, .framing = Framing::chunked, .fault = CutInBody()}, -1, kMiB / 2},
     };
     for (std::size_t index = 0; index < std::size(kCases); ++index) {
         m_receiver.SetBehaviour(kCases[index].behaviour);
-        m_patience = kCases[index].patience;
+        m_timeout = kCases[index].timeout;
         const httplib::Response answer = Send("POST", "/1", SampleBody());
         EXPECT_EQ(answer.status, kCases[index].status) << index;
         EXPECT_EQ(answer.body.size(), kCases[index].bodyBytes) << index;
@@ -144,7 +144,7 @@ TEST_F(ReceiverTest, KeepsServingBesideStrangersAndStopsAtOnce)
     }
     ExpectPrompt([&] { EXPECT_EQ(Send("POST", "/1", SampleBody()).status, 200); });
 
-    m_receiver.SetBehaviour({.stallAfter = 0});
+    m_receiver.SetBehaviour({.fault = StalledBody()});
     auto stalled = std::async(std::launch::async, [this] { return Send("POST", "/1", SampleBody()).status; });
     while (m_receiver.Pulses().size() < 2 && stalled.wait_for(5ms) != std::future_status::ready) {
     }
