@@ -1,4 +1,4 @@
-// bare_post BODY-FILE: the least that a delivered pulse can cost: WinHTTP, one POST, its reply.
+// bare_post BODY-FILE: the minimum cost of a delivered pulse: WinHTTP, one POST, its reply.
 #include "post.h"
 
 int main(int argc, char** argv)

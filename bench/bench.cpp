@@ -1,4 +1,4 @@
-// vantor-bench: what a periodic pulse costs beside programs that do less, and how that grows. Started by bench/run, in a
+// vantor-bench: what a periodic pulse costs compared with programs that do less, and how that grows. Started by bench/run, in a
 // network and a Wine prefix of its own; prints Markdown.
 #include "measured_run.h"
 #include "receiver/receiver.h"
@@ -118,7 +118,7 @@ void PrintComparison(const Contenders& contenders, const Setting& setting)
                 touched[2].registryKeys);
 }
 
-/// The programs one after the other, pair by pair, in an order that turns.
+/// Runs the programs in turns, and rotates their order from pair to pair.
 void Compare(receiver::Receiver& receiver, const Setting& setting)
 {
     const fs::path body = SaveBody(receiver, setting);
@@ -208,7 +208,7 @@ void WriteAdapters(const Setting& setting, int count)
     }
 }
 
-/// A log of so many mebibytes, all of them written.
+/// A log of this many mebibytes, without holes.
 void WriteLog(const fs::path& log, std::size_t mebibytes)
 {
     std::string lines;

@@ -29,7 +29,7 @@ double LoopbackBytes()
     return 0;
 }
 
-/// Runs the command, behind the words that start it, through the small program that measures it.
+/// Runs the command, prefixed with the words that start it, through the small program that measures it.
 Cost Run(const std::vector<std::string>& starter, const std::vector<std::string>& command,
          const std::filesystem::path& output)
 {

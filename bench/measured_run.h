@@ -1,4 +1,4 @@
-// One run of a program under Wine, and what it cost.
+// The cost of one run of a program under Wine.
 #pragma once
 
 #include <cstdint>
@@ -8,7 +8,7 @@
 
 namespace vantor::bench {
 
-/// What one run cost. Wine's server, which serves every program alike, is not in it.
+/// The cost of one run, without Wine's server, which serves all programs.
 struct Cost {
     double wallMs = 0;    ///< from the start of the process until its end was seen
     double cpuMs = 0;     ///< user and system time of the process
@@ -17,8 +17,8 @@ struct Cost {
     int exitCode = -1;
 };
 
-/// Throws std::runtime_error when a program that does nothing seems to take much memory, because that of the measuring
-/// program is counted.
+/// Throws std::runtime_error if a program that does nothing seems to take much memory, which means that the memory of
+/// the measuring program is counted.
 void CheckMeasure(const std::filesystem::path& output);
 
 /// Runs "wine COMMAND..." to its end, its output in the file. It is ended after a minute. Throws std::runtime_error when
@@ -28,10 +28,10 @@ Cost Measure(const std::vector<std::string>& command, const std::filesystem::pat
 /// What a run touched.
 struct Touched {
     std::size_t files = 0;        ///< files and folders, by path
-    std::size_t registryKeys = 0; ///< keys, by path; those that were looked for in vain, too
+    std::size_t registryKeys = 0; ///< keys, by path, including missing ones
 };
 
-/// Runs the command once more with Wine's own record of calls. Throws std::runtime_error when it fails.
+/// Runs the command again, with Wine's trace of its calls. Throws std::runtime_error when it fails.
 Touched Trace(const std::vector<std::string>& command, const std::filesystem::path& output);
 
 } // namespace vantor::bench

@@ -1,5 +1,5 @@
-// obligatory_calls BODY-FILE: the POST, and before it the Windows calls without which a periodic pulse cannot be: the
-// task scheduler, the registry's values, the process list and the search for a proxy. Nothing is done with the answers.
+// obligatory_calls BODY-FILE: the POST, preceded by the Windows calls that a periodic pulse cannot do without: the task
+// scheduler, the registry values, the process list and proxy discovery. The results are not used.
 #include "post.h"
 
 #include <objbase.h>

@@ -1,4 +1,4 @@
-// One POST over WinHTTP, as small as it can be.
+// A minimal POST over WinHTTP.
 #pragma once
 
 #include <windows.h>

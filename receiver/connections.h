@@ -1,4 +1,4 @@
-// The connections of the receiver below HTTP: why one failed, and how all of them end.
+// The receiver's connections below HTTP: why one failed, and how to end them all.
 #pragma once
 
 #include <cstdint>
@@ -6,11 +6,11 @@
 
 namespace vantor::receiver {
 
-/// What OpenSSL says went wrong first on this thread, or `otherwise` when it says nothing. The errors behind the first
-/// only repeat that it did.
+/// The first error in OpenSSL's queue for this thread as text, or `otherwise` if it is empty. Later errors in the queue
+/// only follow from the first.
 std::string FirstSslError(const char* otherwise);
 
-/// Shuts down every socket of this process that has this port on its own side, whatever is done with it now.
+/// Shuts down every socket of this process with this local port, even while another thread uses it.
 void ShutDownConnections(std::uint16_t port);
 
 } // namespace vantor::receiver

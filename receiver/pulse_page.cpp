@@ -20,7 +20,7 @@ using inspect::Change;
 using inspect::DatedPulse;
 using inspect::PulseDifference;
 
-/// Text of whatever origin as HTML text or as the value of an attribute.
+/// Escapes untrusted text for HTML, also within an attribute's value.
 std::string Html(std::string_view text)
 {
     std::string html;
@@ -54,7 +54,7 @@ std::string ClientText(const DatedPulse& pulse, const char* key)
     return member != pulse.pulse.client.end() && member->is_string() ? member->get<std::string>() : std::string();
 }
 
-/// Empty when the pulse does not tell which host it is from.
+/// Empty if the pulse does not identify its host.
 std::string HostOf(const DatedPulse& pulse)
 {
     return ClientText(pulse, "cliid").empty() ? std::string()

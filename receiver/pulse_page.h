@@ -8,23 +8,22 @@
 
 namespace vantor::receiver {
 
-/// Which pulses the page shows. What is empty, or names no mode or bit, lets every pulse through.
+/// Which pulses the page shows. A field that is empty or unknown filters nothing.
 struct PageFilter {
     std::string mode; ///< such as "periodic"
-    std::string bit;  ///< a result bit that has to be set, by its name
+    std::string bit;  ///< the name of a result bit that must be set
 };
 
-/// The page shows so many pulses at most.
+/// The maximum number of pulses on the page.
 inline constexpr std::size_t kMaxShown = 100;
 
-/// What the browser may do with the page: nothing but show it and send its form back here.
+/// The Content-Security-Policy: the browser may only show the page and send its form back here.
 inline constexpr char kPagePolicy[] =
     "default-src 'none'; style-src 'unsafe-inline'; form-action 'self'; frame-ancestors 'none'; base-uri 'none'";
 
-/// A whole HTML document: the pulses that pass the filter, the latest first, each with what changed since the pulse
-/// before it of the same host. Pulses come in the order of their arrival. It needs no script, and nothing that came in
-/// a pulse gets into it as anything but ASCII text. A host is told by "cid" and "cliid"; a pulse without the latter is
-/// compared with no other.
+/// A whole HTML document: the pulses that pass the filter, the latest first, each with what changed since the previous
+/// pulse of the same host. `pulses` is in order of arrival. The page needs no script, and shows whatever came in a pulse
+/// as ASCII text only. "cid" and "cliid" identify a host; a pulse without "cliid" is not compared.
 std::string PulsePage(const std::vector<inspect::DatedPulse>& pulses, const PageFilter& filter);
 
 } // namespace vantor::receiver

@@ -1,4 +1,4 @@
-// How the page of pulses looks: one column of cards, on a phone as on a desk, by day and by night.
+// The style of the page of pulses: one column of cards, for phones and desktops, light and dark.
 #pragma once
 
 namespace vantor::receiver {

@@ -24,10 +24,10 @@ constexpr auto kIdleTimeout = 5s;
 constexpr std::time_t kIdleLimitSeconds = 10;
 constexpr std::size_t kMaxRequestsPerConnection = 100;
 
-/// Whether the connection that this thread serves has brought a request.
+/// Whether a request came on the connection that this thread serves.
 thread_local bool requestSeen = false;
 
-/// Threads that have every connection served by one function.
+/// Threads that serve every connection with one function.
 class Workers final : public httplib::TaskQueue {
 public:
     using Serve = std::function<void(const std::function<void()>& connection)>;
@@ -70,7 +70,7 @@ bool HasLength(const httplib::Request& request)
     return request.has_header("Content-Length") || request.has_header("Transfer-Encoding");
 }
 
-/// The status and the reason for a request that is no POST of a pulse, or that cpp-httplib has given an error status.
+/// The status and the reason for a request that is not a POST of a pulse, or that cpp-httplib gave an error status.
 std::pair<int, std::string> RefusalOf(const httplib::Request& request, int status)
 {
     if (status == 413) {
@@ -147,7 +147,7 @@ void Receiver::Start()
     SetUpServer();
     int listener = -1;
     m_server->set_socket_options([&](int socket) {
-        // A port whose last connections are still fading away can be taken; one that somebody listens on cannot.
+        // A port whose last connections are in TIME_WAIT can be taken; one that somebody listens on cannot.
         const int on = 1;
         ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
         listener = socket;
@@ -194,7 +194,7 @@ void Receiver::SetUpServer()
     m_server->Post(kPulseTarget, [this](const httplib::Request& request, httplib::Response& response,
                                         const httplib::ContentReader& read) { Answer(request, response, read); });
     m_server->Get(kPagePath, [this](const auto& request, auto& response) { AnswerPage(request, response); });
-    // A body that cpp-httplib would wait for in vain, or unpack, is not read.
+    // A body without a length, which cpp-httplib would wait for in vain, or one that it would unpack, is not read.
     m_server->set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
         if (IsForPage(request)) {
             return httplib::Server::HandlerResponse::Unhandled;
@@ -311,7 +311,7 @@ void Receiver::AnswerPage(const httplib::Request& request, httplib::Response& re
     response.set_header("Cache-Control", "no-store");
 }
 
-/// Refuses what is no POST of a whole body to /1. The connection ends with it: some of the body may be unread.
+/// Refuses anything but a POST of a whole body to /1. The connection ends with it: some of the body may be unread.
 void Receiver::Refuse(const httplib::Request& request, httplib::Response& response)
 {
     ReceivedRequest received = Received(request);
@@ -337,7 +337,7 @@ void Receiver::OnRequest(ReceivedRequest request)
     Keep(m_requests, std::move(request));
 }
 
-/// The reason to refuse the pulse, empty when it is accepted.
+/// The reason to refuse the pulse; empty if it is accepted.
 std::string Receiver::JudgePulse(const std::string& body)
 {
     DatedPulse pulse{std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now()), {}};

@@ -36,7 +36,7 @@ struct ReceiverConfig {
 struct ReceivedRequest {
     std::string method;
     std::string target; ///< as the request line has it
-    /// Sorted by name, whatever its case, those of one name in the order they came.
+    /// Sorted by name, ignoring case; those of one name in order of arrival.
     std::vector<std::pair<std::string, std::string>> headers;
     std::string body;    ///< of a POST to /1, byte for byte; empty when it was not read or is too large
     std::string refusal; ///< why it was refused; empty for a well-formed pulse
@@ -57,10 +57,10 @@ public:
 /// may be called from any thread at any time.
 class Receiver {
 public:
-    /// Of pulses and of requests so many are kept, the latest.
+    /// How many pulses, and how many requests, are kept: the latest.
     static constexpr std::size_t kMaxKept = 1000;
 
-    /// So many connections are served at a time. Others wait until one of them ends; a silent one does in seconds.
+    /// How many connections are served at a time. Others wait until one ends, which an idle one does within seconds.
     static constexpr std::size_t kMaxConnections = 128;
 
     using PulseCallback = std::function<void(const DatedPulse&)>;
@@ -75,7 +75,7 @@ public:
     /// the receiver. onRefusal gets one printable line for each refused request and each connection without a request.
     void SetCallbacks(PulseCallback onPulse, RefusalCallback onRefusal);
 
-    /// Serves from here on; may follow a Stop. Throws ReceiverError.
+    /// Starts serving; may follow a Stop. Throws ReceiverError.
     void Start();
 
     /// Closes every connection, in whatever state, and returns soon. Does nothing when stopped.
@@ -84,22 +84,22 @@ public:
     /// The port of the latest Start.
     std::uint16_t Port() const { return m_port; }
 
-    /// Holds for every POST to /1 from here on.
+    /// Applies to every later POST to /1.
     void SetBehaviour(const Behaviour& behaviour);
 
-    /// Adds an earlier pulse, of another run of the receiver.
+    /// Adds a pulse from an earlier run of the receiver.
     void AddPulse(DatedPulse pulse);
 
     /// The well-formed pulses, in order.
     std::vector<DatedPulse> Pulses() const;
 
-    /// Every request, refused ones included, in order. Of what cannot be read as HTTP only the refusal counts.
+    /// Every request, refused ones included, in order. If one cannot be parsed as HTTP, only its refusal is meaningful.
     std::vector<ReceivedRequest> Requests() const;
 
-    /// Drops the pulses and requests received so far.
+    /// Discards the pulses and requests received so far.
     void Forget();
 
-    /// Connections served since construction, those without a request included.
+    /// Connections served since construction, including those without a request.
     std::size_t ConnectionCount() const { return m_connectionCount; }
 
 private:

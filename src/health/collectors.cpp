@@ -84,7 +84,7 @@ HealthRecord CollectRecord(const RunConfig& config)
     return record;
 }
 
-/// "{ " and, for every byte, a blank and the byte as it is, the items' NULs included.
+/// "{ ", then a blank and the byte for every byte of the block, including the NULs that end the items.
 std::string RenderTextBlock(const TextBlock& block)
 {
     std::string text = "{ ";

@@ -6,8 +6,8 @@
 
 namespace vantor {
 
-/// Runs every record probe, logs the record and its result bits, and returns the record's 46 bytes. No probe fails
-/// the collection: what cannot be read stays at its fallback.
+/// Runs every record probe, logs the record and its result bits, and returns the record's 46 bytes. A probe never
+/// fails the collection: a fact that cannot be read keeps its fallback.
 ReportBytes GetOSInfo(const RunConfig& config);
 
 /// GetOSInfo, then the text probes; logs the text block and returns record, block length and block.

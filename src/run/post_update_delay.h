@@ -9,7 +9,7 @@
 
 namespace vantor {
 
-/// Waits config.delayPostDat minutes, once, through sleep. A delay above 10 minutes is warned about and not waited.
+/// Waits config.delayPostDat minutes, once, through sleep. A delay above 10 minutes is skipped with a warning.
 void DelayAfterUpdate(const RunConfig& config, ILogger& log,
                       const std::function<void(std::chrono::milliseconds)>& sleep);
 

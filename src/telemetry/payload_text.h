@@ -7,7 +7,7 @@
 
 namespace vantor {
 
-/// Who reports: the members of the "ci" object, as UTF-8. Values are written as they are, without escaping.
+/// Who reports: the members of the "ci" object, as UTF-8. Values are written without escaping.
 struct ClientIdentification {
     std::string affid;
     std::string cid;
@@ -17,13 +17,13 @@ struct ClientIdentification {
     std::string pv;                  ///< product version
     std::string rid;                 ///< request id, a decimal number
     std::string readOnlyMarker;      ///< exactly "1" adds "ro":true
-    std::optional<std::string> sdkv; ///< client name; missing is written "<null>"
+    std::optional<std::string> sdkv; ///< client name; if missing, "<null>" is written
 };
 
-/// The "ci" object with the outer object opened before it and left open, no blanks anywhere.
+/// The "ci" object with the outer object opened before it and left open, without blanks.
 std::string CiSectionText(const ClientIdentification& client);
 
-/// Closes the outer object behind the "rpt" object with the report as Base64 text.
+/// The section, the "rpt" object with the report as Base64 text, and the end of the outer object.
 std::string PostDataText(std::string_view ciSection, std::string_view reportBase64);
 
 } // namespace vantor

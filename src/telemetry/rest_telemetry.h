@@ -1,4 +1,4 @@
-// The telemetry client: the one road by which a report leaves the machine.
+// The telemetry client, which sends the report: nothing else leaves the machine.
 #pragma once
 
 #include "health/record/report.h"
@@ -9,7 +9,7 @@
 
 namespace vantor {
 
-/// Posts the report to the reputation service, once, and logs what came of it. Nothing of it fails the run.
+/// Posts the report to the reputation service, once, and logs what came of it. A failure does not end the run.
 void SendTelemetry(std::span<const std::uint8_t> report, const RunConfig& config);
 
 } // namespace vantor

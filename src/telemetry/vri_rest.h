@@ -9,7 +9,7 @@
 
 namespace vantor {
 
-/// Gathers the identifiers that a report carries, once, and builds its body. What cannot be read stays empty.
+/// Reads the identifiers that a report carries, once, and builds its body. One that cannot be read stays empty.
 class VRIREST {
 public:
     VRIREST();
@@ -43,7 +43,7 @@ private:
     std::wstring m_rid;
     std::wstring m_readOnlyMarker = L"0";
     std::wstring m_sdkv;
-    std::wstring m_machineGuid; ///< kept with the identifiers; no request carries it
+    std::wstring m_machineGuid; ///< no request carries it
     std::wstring m_serviceHost;
     std::uint32_t m_timeoutMillisec = 3000;
 };

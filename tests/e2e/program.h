@@ -7,21 +7,21 @@
 
 namespace vantor::e2e {
 
-/// What a run of the program came to.
+/// The outcome of a run of the program.
 struct Outcome {
     int exitCode = -1;
     std::string standardOutput;
     std::string standardError;
     std::vector<std::string> log; ///< lines of the log file without their time stamps, "TRACE: message"
 
-    /// Whether the log holds a line of this text, level included.
+    /// Whether the log has exactly this line, including the level.
     bool Logged(const std::string& line) const;
 };
 
 /// A folder for one test's files, emptied at the start of the test.
 std::filesystem::path ScratchFolder();
 
-/// The lines of a file; none when it is not there.
+/// The lines of a file; none if it does not exist.
 std::vector<std::string> ReadLines(const std::filesystem::path& path);
 
 /// A file of the Windows build tree whose program is tested, which the environment names (VANTOR_WINDOWS_TREE).
@@ -30,22 +30,22 @@ std::string WindowsTree(const std::string& file);
 /// A path as the program sees it.
 std::string WindowsPath(const std::filesystem::path& path);
 
-/// The same as a registry file wants it, with doubled backslashes.
+/// The path with doubled backslashes, as registry files need it.
 std::string Escaped(const std::string& path);
 
 /// Runs the program with these arguments and a log file of its own, in the Wine prefix of these tests, with these
 /// "NAME=VALUE" settings in its environment.
 Outcome RunProgram(std::vector<std::string> arguments, std::vector<std::string> settings = {});
 
-/// The same for another copy of the program, and with the log wherever logFile says; no /logfile is added.
+/// The same for another copy of the program, and for a log at logFile; no /logfile is added.
 Outcome RunProgram(const std::filesystem::path& program, std::vector<std::string> arguments,
                    const std::filesystem::path& logFile, std::vector<std::string> settings = {});
 
-/// Puts what the program reads of the registry into the state of these lines of a registry file, on a machine without
-/// the product otherwise, and under the test hook that sends reports to this machine.
+/// Resets what the program reads from the registry to a machine without the product, with the test hook that sends
+/// reports to this machine, and adds these lines of a registry file.
 void SetRegistry(const std::string& lines = {});
 
-/// A value of the prefix's registry as "reg query" shows it; empty when there is none.
+/// A value of the prefix's registry as "reg query" shows it; empty if there is none.
 std::string RegistryValue(const std::string& key, const std::string& value);
 
 /// The text with placeholders for the program's version: "<version>" as in the payload, "<version fields>" as in the log
@@ -59,10 +59,10 @@ void ExpectLog(const Outcome& outcome, const std::string& file);
 /// The command that runs a Windows program in the prefix of these tests, with these "NAME=VALUE" settings.
 std::vector<std::string> UnderWine(std::vector<std::string> command, std::vector<std::string> settings = {});
 
-/// A program of this machine that runs until the object ends. It must be one that ends when it is asked to.
+/// A native program that runs until the object is destroyed. It must end on SIGTERM.
 class Background {
 public:
-    /// Its output goes to NAME.txt in the test's folder. Returns when that holds the text that says it is ready.
+    /// Its output goes to NAME.txt in the test's folder. The constructor returns once that contains `ready`.
     Background(std::vector<std::string> command, const std::string& name, const std::string& ready);
     ~Background();
     Background(const Background&) = delete;
@@ -75,7 +75,7 @@ private:
     int m_process;
 };
 
-/// A program that runs in the prefix under this name and holds that much memory, until the object ends.
+/// A program that runs in the prefix under this name and holds this much memory until the object is destroyed.
 class StandIn : public Background {
 public:
     explicit StandIn(const std::string& name, int mebibytes = 0);

@@ -27,7 +27,7 @@ Lines operator+(Lines left, const Lines& right)
     return left;
 }
 
-/// The distribution's squid. It gives up the rights of root, writes no file, and says what it is asked.
+/// The distribution's squid. It drops root's rights, writes no file, and logs its requests.
 class Squid : public Background {
 public:
     explicit Squid(const std::string& settings = {}) : Background(Command(settings), "squid", "Accepting HTTP") {}
@@ -48,8 +48,8 @@ private:
         std::ofstream(file) << settings << "http_port " << kSquid << "\nhttp_access allow all\naccess_log none\n"
                             << "debug_options ALL,1 11,2\ncache_log /dev/null\nnetdb_filename none\npid_filename none\n"
                             << "pinger_enable off\ndns_nameservers 127.0.0.1\nshutdown_lifetime 0 seconds\n";
-        // Not every machine lets it use /dev/shm or has /etc/hosts for it: where it can, it gets both of its own, in a
-        // view of the file system that nobody shares. $0 is its configuration.
+        // Not every machine lets it use /dev/shm or has an /etc/hosts. Where possible it gets its own of both, in a mount
+        // namespace of its own. $0 is its configuration.
         const char kOwn[] = R"sh(
             if unshare --mount --propagation unchanged true; then
                 exec unshare --mount --propagation unchanged sh -c 'mkdir -p /dev/shm

@@ -19,7 +19,7 @@ namespace {
 
 using receiver::Behaviour;
 
-/// The request id is random; everything else of a body is not.
+/// The request id is the only random part of a body.
 std::string WithoutId(const std::string& body)
 {
     return std::regex_replace(body, std::regex(R"("rid":-?[0-9]+,)"), "\"rid\":RID,");

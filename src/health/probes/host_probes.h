@@ -1,12 +1,12 @@
-// Facts about the host that Windows itself tells.
+// Facts about the host that come from Windows itself.
 #pragma once
 
 #include "health/record/health_record.h"
 
 namespace vantor {
 
-/// Version, service pack and build from GetVersionExW; what the application manifest does not list as supported
-/// reads as 6.2. Left unchanged when the call fails.
+/// Version, service pack and build from GetVersionExW; a Windows that the application manifest does not list
+/// as supported reads as 6.2. Left unchanged if the call fails.
 void ReadOsVersion(HealthRecord& record);
 
 /// The host's native machine from IsWow64Process2; HealthRecord::kDefaultArch when Windows lacks the function, when it

@@ -1,4 +1,4 @@
-// Which of the programs that matter are running, and how much memory the product's take.
+// Which programs of interest are running, and how much memory those of the product use.
 #pragma once
 
 #include "health/record/health_record.h"
@@ -20,8 +20,7 @@ ProcessMap MapProcesses();
 /// be read.
 std::uint32_t GetProcessMem(DWORD processId);
 
-/// Sets bits 7 to 15 and 27 and the two memory readings from the processes. Only those are opened whose memory is
-/// reported.
+/// Sets bits 7 to 15 and 27 and the two memory readings. Only the processes whose memory is reported are opened.
 void GetProcessInfo(HealthRecord& record, const ProcessMap& processes);
 
 } // namespace vantor

@@ -1,4 +1,4 @@
-// Facts about the product and the host that the record takes from the registry, and what it reports of its state.
+// Facts about the product and the host that the record takes from the registry and from the product's files.
 #pragma once
 
 #include "health/record/health_record.h"
@@ -7,15 +7,16 @@
 namespace vantor {
 
 /// Engine version and package from szVXCoreVersion under HKLM\Software\Vexora\AVSolution\AVS\AVS, a dotted version of
-/// five parts; all ones when it is none.
+/// five parts; all bits set if it is anything else.
 void GetVXCoreVersion(HealthRecord& record);
 
-/// Update throttle mode, 0 to 3, from dwUpdateThrottleMode under HKLM\Software\Vexora\AVSolution\DS\DS; unchanged when
-/// it is none.
+/// Update throttle mode, 0 to 3, from dwUpdateThrottleMode under HKLM\Software\Vexora\AVSolution\DS\DS; unchanged if
+/// it is anything else.
+/// The misspelt name is also in the log, and kept for the people who know it.
 void GetThottleMode(HealthRecord& record);
 
-/// Content version from the DWORDs dwContentMajorVersion and dwContentMinorVersion under the same key. A number that
-/// is no DWORD is 65535; without the key both stay unchanged.
+/// Content version from the DWORDs dwContentMajorVersion and dwContentMinorVersion under the same key. A value that
+/// is missing or not a REG_DWORD gives 65535; without the key both stay unchanged.
 void GetDATVersionFromReg(HealthRecord& record);
 
 /// Whether Windows' product type is "ServerNT".

@@ -8,7 +8,7 @@ namespace vantor {
 
 using TextItems = std::vector<std::string>;
 
-/// Each probe gives one item for each value that it could read, as it stands, or the single item "Unavailable".
+/// Each probe returns one unaltered item for every value that it could read, or the single item "Unavailable".
 
 /// Versions of the enterprise product and its engine, then release name and version of the consumer product, these
 /// with the prefix "HSQ_".

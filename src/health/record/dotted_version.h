@@ -9,7 +9,7 @@
 namespace vantor {
 
 /// Splits a text of digits and single dots, which neither begins nor ends with a dot, into its parts.
-/// A part above 65,535 keeps its low 16 bits. Anything else gives no version.
+/// A part above 65,535 keeps its low 16 bits. Any other text gives no version.
 std::optional<std::vector<std::uint16_t>> ParseDottedVersion(std::string_view text);
 
 } // namespace vantor

@@ -8,7 +8,7 @@
 namespace vantor {
 namespace {
 
-// The wire is little-endian, and so is every machine that this program runs on: members are copied as they lie.
+// The wire is little-endian, and so is every machine that this program runs on, so members are copied as they are.
 static_assert(std::endian::native == std::endian::little);
 static_assert(std::is_standard_layout_v<HealthRecord> && sizeof(TestResultBits) == 8);
 

@@ -70,7 +70,7 @@ struct ResultBitName {
 /// run against theirs.
 std::span<const ResultBitName> ResultBitNames();
 
-/// One pulse's facts, at their initial values until the probes fill them. Members are named as the log names them.
+/// The facts of one pulse, at their initial values until the probes fill them in. Members have the names of the log.
 struct HealthRecord {
     static constexpr std::uint8_t kLayoutVersion = 14;
     static constexpr std::size_t kWireSize = 46;

@@ -14,10 +14,10 @@ namespace vantor {
 
 using ReportBytes = std::vector<std::uint8_t>;
 
-/// The most bytes that a report may have; a larger one is refused by the telemetry client.
+/// The maximum size of a report; the telemetry client refuses a larger one.
 inline constexpr std::size_t kReportLimitBytes = 14336;
 
-/// What an item reads whose source could not be read.
+/// The item for a source that cannot be read.
 inline constexpr char kUnavailable[] = "Unavailable";
 
 /// The text items of a pre-update report as bytes, each followed by one NUL.
@@ -26,8 +26,8 @@ struct TextBlock {
     std::vector<std::string> leftOut; ///< items for which the report had no room
 };
 
-/// Lays out the items in order. An item ends at its first NUL. What would take the report over kReportLimitBytes is
-/// left out, item by item.
+/// Lays out the items in order. An item ends at its first NUL. An item that would take the report over
+/// kReportLimitBytes is left out.
 TextBlock BuildTextBlock(std::span<const std::string> items);
 
 /// The record's 46 bytes.

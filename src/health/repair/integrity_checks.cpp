@@ -16,7 +16,7 @@ namespace {
 constexpr REGSAM kRead = KEY_QUERY_VALUE | KEY_WOW64_64KEY;
 constexpr REGSAM kReadAndWrite = KEY_QUERY_VALUE | KEY_SET_VALUE | KEY_WOW64_64KEY;
 
-/// Asks for access to the service's key and values. What is refused is logged: the change is tried all the same.
+/// Requests access to the service's key and values. A refusal is only logged: the change is attempted anyway.
 void RequestServiceAccess(ScopedAccessProtectionExclusionObject& exclusion)
 {
     constexpr std::uint32_t kKeyAccess = 0x10038B;
@@ -36,7 +36,7 @@ void RequestServiceAccess(ScopedAccessProtectionExclusionObject& exclusion)
     }
 }
 
-/// The Start value that the driver should have; nothing when it is right as it is.
+/// The Start value that the driver should have; nothing if it has it.
 std::optional<std::uint32_t> WantedStart(bool isListed, std::uint32_t start)
 {
     constexpr std::uint32_t kBoot = 0;

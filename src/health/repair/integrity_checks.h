@@ -8,17 +8,17 @@
 
 namespace vantor {
 
-/// Writes the compatibility value that Windows asks of anti-malware products, a REG_DWORD 0, unless it can be read and
-/// is 0. The key is opened for writing only, so on a standard registry it is written every time.
+/// Writes the compatibility value that Windows requires of anti-malware products, a REG_DWORD 0, unless it is readable
+/// and 0 already. The key is opened for writing only, so on a standard registry the value is written every time.
 void EnsureQualityCompat();
 
-/// Removes the value DeleteFlag of the disk filter driver's service. Sets vxediskDeleteFlag when it was there, and
-/// vxediskDeleteFlagError when it could not be removed.
+/// Removes the DeleteFlag value of the disk filter driver's service. Sets vxediskDeleteFlag if it was present, and
+/// vxediskDeleteFlagError if it could not be removed.
 void CheckVxediskDeleteFlag(RunConfig& config);
 
-/// On product platforms older than 20.5 makes the driver's Start value agree with the disk class's filter list: a
-/// listed driver starts at boot (0), one that is not listed and disabled or unreadable starts on demand (3). Sets
-/// vxediskStartValue when a correction was needed, and vxediskStartValueError when it could not be written.
+/// On product platforms older than 20.5, makes the driver's Start value agree with the disk class's filter list: a
+/// listed driver starts at boot (0); an unlisted one whose Start is disabled or unreadable starts on demand (3). Sets
+/// vxediskStartValue if a correction was needed, and vxediskStartValueError if it could not be written.
 void CheckVxediskStartValue(RunConfig& config);
 
 /// What GetvxediskStartValue gives when the value cannot be read.

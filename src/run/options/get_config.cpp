@@ -20,7 +20,7 @@ namespace {
 void ReadSideFile(RunConfig& config)
 {
     constexpr std::string_view kLogFile = "/logfile=";
-    constexpr std::size_t kMaxBytes = 1 << 20; // the file holds a line or two; what is longer is not read
+    constexpr std::size_t kMaxBytes = 1 << 20; // the file holds a line or two; the rest of a longer one is not read
 
     std::optional<std::wstring> path = ProgramPath();
     if (!path) {

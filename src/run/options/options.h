@@ -1,4 +1,4 @@
-// The command line: which options there are, what their values may be, and which may stand together.
+// The command line: which options there are, what values they take, and which may stand together.
 #pragma once
 
 #include "run/config/run_config.h"
@@ -19,7 +19,7 @@ void ParseArguments(std::span<const std::string> arguments, RunConfig& config, I
 /// Whether the argument is an option of the program, with or without a value.
 bool IsOption(std::string_view argument);
 
-/// Checks that the options given make sense together. Throws OptionError with the message of the first rule broken.
+/// Checks that the options may stand together. Throws OptionError with the message of the first rule broken.
 void Validate(const RunConfig& config);
 
 } // namespace vantor

@@ -27,7 +27,7 @@ protected:
 };
 
 /// Reads a file's version resource. Returns 0 and stores the object, to be released by the caller; otherwise returns
-/// a Windows error code and leaves out as it was. Of the resource's translations the first neutral one is chosen, else
+/// a Windows error code and leaves out unchanged. Of the resource's translations the first neutral one is chosen, else
 /// the first in US English, else the first.
 extern "C" __declspec(dllexport) DWORD NewFileVersionInfo(const wchar_t* path, FileVersionInfo** out);
 
@@ -39,8 +39,8 @@ struct FileVersion {
     std::uint16_t revision;
 };
 
-/// The fixed version of a file; nothing when it has no version resource, or when this Windows lacks version.dll.
-/// Throws std::runtime_error when the resource has no fixed block or one of another size than 52 bytes.
+/// The fixed version of a file; nothing if it has no version resource, or if this Windows lacks version.dll.
+/// Throws std::runtime_error if the resource has no fixed block of 52 bytes.
 std::optional<FileVersion> ReadFileVersion(const std::wstring& path);
 
 } // namespace vantor

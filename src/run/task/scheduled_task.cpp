@@ -34,7 +34,7 @@ void Require(HRESULT result, const std::string& message, const std::string& deta
     }
 }
 
-/// The time as Windows shows it. The C runtime's conversion would obey an environment variable TZ.
+/// The time in Windows' own zone; the C runtime's conversion would follow the environment variable TZ.
 DateTime WindowsLocalTime(std::chrono::sys_seconds time)
 {
     constexpr long long kSecondsFrom1601To1970 = 11'644'473'600;
@@ -49,7 +49,7 @@ DateTime WindowsLocalTime(std::chrono::sys_seconds time)
     return ToDateTime(local);
 }
 
-/// The Task Scheduler's root folder. The two messages are those of the callers, which word them differently.
+/// The Task Scheduler's root folder. The callers word two of the messages differently.
 struct Scheduler {
     Scheduler(const char* cannotCreate, const char* cannotOpenRoot)
     {
@@ -177,7 +177,7 @@ HRESULT Register(const Scheduler& scheduler, const ComPointer<ITaskDefinition>& 
                         registered.Receive());
 }
 
-/// Deletes the folder unless there are tasks in it, hidden ones included.
+/// Deletes the folder unless it holds tasks, including hidden ones.
 void DeleteFolderIfEmpty(const ComPointer<ITaskFolder>& root, const std::wstring& path)
 {
     const std::string name = ToNarrow(path);

@@ -1,4 +1,4 @@
-// The program's task in Windows' Task Scheduler. COM has to be initialised for the thread.
+// The program's task in Windows' Task Scheduler. COM must be initialised on the thread.
 #pragma once
 
 #include "run/config/run_config.h"
@@ -7,15 +7,15 @@
 
 namespace vantor {
 
-/// Registers the next run of the periodic series under this path of the Task Scheduler, in the place of the one that is
+/// Registers the next run of the periodic series under this path of the Task Scheduler, replacing the one that is
 /// registered there; one that belongs neither to SYSTEM nor to Administrators is deleted first. It runs the program as
-/// SYSTEM; config decides when, and with which arguments, the flag the author. What the next run will miss is warned of.
-/// A step that fails is logged with its result code; nothing is registered then.
+/// SYSTEM; config decides when and with which arguments, the flag who its author is. Warns of what the next run will
+/// miss. If a step fails, it is logged with its result code, and nothing is registered.
 void CreateTask(const RunConfig& config, bool isConsumerProduct, const std::wstring& path,
                 const std::wstring& description);
 
-/// Deletes the task at this path and, when no other task is left in it, its folder. What fails is logged; a task that
-/// is not there is such a failure, and harmless.
+/// Deletes the task at this path and, when no other task is left in it, its folder. Failures are logged; a missing
+/// task is one of them, and harmless.
 void DeleteTask(const std::wstring& path);
 
 } // namespace vantor

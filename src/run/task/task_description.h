@@ -1,4 +1,4 @@
-// What the periodic task is called to do, in the user's language.
+// The description of the periodic task in the user's language.
 #pragma once
 
 #include <cstdint>
@@ -7,7 +7,7 @@
 namespace vantor {
 
 /// The task's description in the language with this Windows identifier (as GetUserDefaultUILanguage gives it); in US
-/// English when there is none for exactly that identifier.
+/// English if there is none for exactly that identifier.
 std::u16string_view TaskDescription(std::uint16_t language);
 
 } // namespace vantor

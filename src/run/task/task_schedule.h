@@ -22,14 +22,14 @@ struct NextRun {
         count; ///< its /periodicruncount; nothing when the series is over and it is to /continue
 };
 
-/// Reads the run count, or /continue; RegistersNextRun has to be true for the options.
+/// From the run count or /continue. Requires that RegistersNextRun is true for the options.
 NextRun NextRunAfter(const RunConfig& config);
 
-/// The task's command line without the program: the mode, and what of the options the next run needs. That includes
-/// the proxy's password, in clear text. Begins with a blank.
+/// The task's command line without the program: the mode, and the options that the next run needs, including the
+/// proxy's password in clear text. Begins with a blank.
 std::string TaskArguments(const RunConfig& config, std::optional<std::uint8_t> nextCount);
 
-/// Between which times the task's trigger is active, in local time, such as "2026-03-07T23:00:00".
+/// The period in which the task's trigger is active, in local time, such as "2026-03-07T23:00:00".
 struct TaskWindow {
     std::string start;
     std::string end;
