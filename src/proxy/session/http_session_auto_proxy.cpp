@@ -2,6 +2,7 @@
 
 #include "platform/owner.h"
 #include "platform/text.h"
+#include "run/log/log_texts.h"
 #include "telemetry/winhttp/code_names.h"
 
 #include <utility>
