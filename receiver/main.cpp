@@ -64,7 +64,7 @@ void Describe(CLI::App& app, Options& options)
         ->check(delay)
         ->type_name("MS");
     app.add_option_function<std::size_t>(
-           "--stall-after", [&](std::size_t bytes) { behaviour.fault = StalledBody{bytes}; },
+           "--stall-after", [&](std::size_t after) { behaviour.fault = StalledBody{after}; },
            "stop sending after so many bytes of the body")
         ->type_name("N")
         ->check(bytes);
