@@ -1,5 +1,5 @@
-// vantor-bench: what a periodic pulse costs compared with programs that do less, and how that grows. Started by bench/run, in a
-// network and a Wine prefix of its own; prints Markdown.
+// vantor-bench: what a periodic pulse costs compared with programs that do less, and how that grows. Started by bench/run,
+// in a network and a Wine prefix of its own; prints Markdown.
 #include "measured_run.h"
 #include "receiver/receiver.h"
 #include "statistics.h"

@@ -43,24 +43,24 @@ void Describe(CLI::App& app, Options& options)
         ->required();
     app.add_option("--key", options.config.keyFile, "its private key, PEM")->type_name("FILE")->required();
     app.add_option("--pulses", options.pulsesFile,
-                   "append one JSON line a pulse to this file, and show those in it on the page")
+                   "append each pulse to this file as a JSON line, and show its pulses on the page")
         ->type_name("FILE");
     app.add_option("--status", behaviour.status, "answer with this status")
         ->type_name("N")
         ->check(CLI::Range(200, 599));
     app.add_option_function<int>(
            "--delay", [&](int ms) { behaviour.delay = std::chrono::milliseconds(ms); },
-           "wait so long before the answer")
+           "wait this long before the answer")
         ->check(delay)
         ->type_name("MS");
-    app.add_option("--body-bytes", behaviour.bodyBytes, "answer with a body of so many bytes")
+    app.add_option("--body-bytes", behaviour.bodyBytes, "answer with a body of this length")
         ->type_name("N")
         ->check(bytes);
     app.add_flag_callback(
         "--chunked", [&] { behaviour.framing = Framing::chunked; }, "send the body in chunks");
     app.add_option_function<int>(
            "--piece-delay", [&](int ms) { behaviour.fault = SlowBody{std::chrono::milliseconds(ms)}; },
-           "wait so long before each byte of the body")
+           "wait this long before each byte of the body")
         ->check(delay)
         ->type_name("MS");
     app.add_option_function<std::size_t>(
@@ -77,7 +77,7 @@ void Describe(CLI::App& app, Options& options)
         ->check(CLI::IsMember({"before-answer", "in-body"}))
         ->type_name("WHEN");
     app.add_option("--challenge", behaviour.challenges,
-                   "act as a proxy that asks for credentials, such as: Basic realm=\"x\"")
+                   "act as a proxy that demands credentials, for example: Basic realm=\"x\"")
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
         ->type_name("VALUE")
         ->allow_extra_args(false);
