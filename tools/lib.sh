@@ -268,6 +268,6 @@ wine_environment() {
     export WINEDEBUG=-all
     export WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=d;winedbg.exe=d"
     export HOME=$build/wine/home
-    export TMPDIR=$1/tmp
+    if [ -e "$build/wine/without-tmpdir" ]; then unset TMPDIR; else export TMPDIR=$1/tmp; fi # see wine-prefix
     command -v wine >/dev/null || fail "Wine is not installed (Debian packages: wine wine64)"
 }

@@ -114,7 +114,7 @@ TEST(RunLog, PutsTheOutcomeInOneSentence)
          "given on the command"},
         {" WARN: HttpConnection::Query: Using proxy fallback\n" + sent, "directly, after the proxy could not be rea"},
         {failed + "status: 407\n" + sent, "not delivered: the proxy wants credentials, or refused those it got (Send"},
-        {"ERROR: A: The proxy did not build the tunnel to\n" + failed + "status: 403\n" + sent,
+        {"ERROR: C::S: " + std::string(texts::kProxyDidNotBuildTunnel) + "403.\n" + failed + "status: 403\n" + sent,
          "did not let the request"},
         {"ERROR: A: ERROR_WINHTTP_RESEND_REQUEST 12032\n WARN: Unable to parse certificate data from connection: X\n" +
              sent,
