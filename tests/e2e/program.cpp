@@ -111,6 +111,11 @@ bool Outcome::Logged(const std::string& line) const
     return std::find(log.begin(), log.end(), line) != log.end();
 }
 
+bool Outcome::Logged(const std::string& line, const Codes& codes) const
+{
+    return std::ranges::any_of(codes, [&](const std::string& code) { return Logged(line + code); });
+}
+
 fs::path ScratchFolder()
 {
     const auto* const test = ::testing::UnitTest::GetInstance()->current_test_info();

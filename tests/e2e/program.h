@@ -7,6 +7,13 @@
 
 namespace vantor::e2e {
 
+/// The codes, as log lines name them, that Windows and the releases of Wine give one failure.
+using Codes = std::vector<std::string>;
+inline const Codes kNoTls = {"ERROR_WINHTTP_SECURE_FAILURE 12175", "ERROR_WINHTTP_SECURE_CHANNEL_ERROR 12157"};
+inline const Codes kBrokenOff = {"ERROR_WINHTTP_CONNECTION_ERROR 12030", "ERROR_WINHTTP_INVALID_SERVER_RESPONSE 12152",
+                                 "Unknown error (10054) 10054"};
+inline const Codes kSilent = {"ERROR_WINHTTP_TIMEOUT 12002", "Unknown error (10060) 10060"};
+
 /// The outcome of a run of the program.
 struct Outcome {
     int exitCode = -1;
@@ -16,6 +23,9 @@ struct Outcome {
 
     /// Whether the log has exactly this line, including the level.
     bool Logged(const std::string& line) const;
+
+    /// Whether the log has this line with one of these codes at its end.
+    bool Logged(const std::string& line, const Codes& codes) const;
 };
 
 /// A folder for one test's files, emptied at the start of the test.

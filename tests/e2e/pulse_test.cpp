@@ -91,6 +91,7 @@ TEST_F(PulseTest, OnlyAPinnedIssuersServerIsTrusted)
         const char* certificate;
         bool accepted;
         const char* line;
+        Codes codes{""};
     } kCases[] = {
         {"server-b", true, "TRACE: HttpRequest::ValidateServerCert: Verified: 1"},
         {"server-outsider", false,
@@ -98,15 +99,14 @@ TEST_F(PulseTest, OnlyAPinnedIssuersServerIsTrusted)
          "signed the certificate: an inspecting proxy between this host and the service is the likely cause."},
         {"server-outsider", false,
          "ERROR: RESTTelemetry::Send: Send telemetry failed. WinHTTP error: ERROR_WINHTTP_SECURE_FAILURE 12175"},
-        {"server-expired", false,
-         "ERROR: RESTTelemetry::Send: Send telemetry failed. WinHTTP error: ERROR_WINHTTP_SECURE_CHANNEL_ERROR 12157"},
+        {"server-expired", false, "ERROR: RESTTelemetry::Send: Send telemetry failed. WinHTTP error: ", kNoTls},
     };
-    for (const auto& [certificate, accepted, line] : kCases) {
+    for (const auto& [certificate, accepted, line, codes] : kCases) {
         SCOPED_TRACE(certificate);
         LocalReceiver receiver(certificate);
         const Outcome outcome = RunPeriodic();
         EXPECT_EQ(outcome.exitCode, 0);
-        EXPECT_TRUE(outcome.Logged(line));
+        EXPECT_TRUE(outcome.Logged(line, codes));
         EXPECT_EQ(std::ranges::none_of(outcome.log, IsFailure), accepted);
     }
 }
@@ -117,6 +117,7 @@ TEST_F(PulseTest, WhateverTheReplyTheRunEndsAndItsLogTells)
     const struct {
         Behaviour behaviour;
         std::string text; ///< of one line of the log
+        Codes codes{""};  ///< one of which follows
     } kCases[] = {
         {{.bodyBytes = 1024 * 1024}, "Response data: " + std::string(1024 * 1024, 'x')},
         {{.bodyBytes = 70000, .framing = Framing::chunked}, "Response data: " + std::string(70000, 'x')},
@@ -125,13 +126,12 @@ TEST_F(PulseTest, WhateverTheReplyTheRunEndsAndItsLogTells)
         {{.status = 500}, "Send telemetry failed. WinHTTP status: 500"},
         {{.status = 302, .headers = {{"Location", "https://localhost:1/"}}}, "failed. WinHTTP status: 302"},
         {{.status = 307, .headers = {{"Location", "/1"}}}, "Send telemetry failed. WinHTTP status: 307"},
-        {{.fault = CutBeforeAnswer()}, "ERROR_WINHTTP_INVALID_SERVER_RESPONSE 12152"},
-        {{.fault = CutBeforeAnswer{"HTTP/1.1 2"}}, "ERROR_WINHTTP_INVALID_SERVER_RESPONSE 12152"},
+        {{.fault = CutBeforeAnswer()}, "WinHTTP error: ", kBrokenOff},
+        {{.fault = CutBeforeAnswer{"HTTP/1.1 2"}}, "WinHTTP error: ", kBrokenOff},
         {{.fault = CutBeforeAnswer{"HTTP/1.1 200 OK\r\nContent-Le"}}, "Response data: "}, // nor does it miss a header
         {{.fault = CutBeforeAnswer{"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n1\r\nx\r\n1"}},
          "Response data: x"},
-        {{.bodyBytes = 1000, .fault = StalledBody{10}},
-         "Send telemetry failed. WinHTTP error: Unknown error (10060) 10060"},
+        {{.bodyBytes = 1000, .fault = StalledBody{10}}, "Send telemetry failed. WinHTTP error: ", kSilent},
         {{.bodyBytes = 1000, .fault = CutAfterHeaders()}, "Response data: "}, // Wine takes a short body for whole
         {{.bodyBytes = 1000, .fault = CutInBody()}, "Response data: x"},
         {{.bodyBytes = 1000, .framing = Framing::chunked, .fault = CutInBody()}, "Response data: x"},
@@ -142,13 +142,16 @@ TEST_F(PulseTest, WhateverTheReplyTheRunEndsAndItsLogTells)
         {{.bodyBytes = 9, .fault = SlowBody{std::chrono::milliseconds(100)}}, "Response data: xxxxxxxxx"},
     };
     LocalReceiver receiver;
-    for (const auto& [behaviour, text] : kCases) {
+    for (const auto& [behaviour, text, codes] : kCases) {
         SCOPED_TRACE(text.substr(0, 80));
+        const auto tells = [&](const std::string& line) {
+            return std::ranges::any_of(codes, [&](const auto& code) { return line.find(text + code) != line.npos; });
+        };
         receiver.Forget();
         receiver.SetBehaviour(behaviour);
         const Outcome outcome = RunPeriodic();
         EXPECT_EQ(outcome.exitCode, 0);
-        EXPECT_TRUE(std::ranges::any_of(outcome.log, [&](const auto& line) { return line.find(text) != line.npos; }));
+        EXPECT_TRUE(std::ranges::any_of(outcome.log, tells));
         EXPECT_EQ(outcome.log.back(), "TRACE: Leaving SendTelemetry");
         EXPECT_EQ(receiver.Pulses().size(), 1u); // nothing is sent twice
     }
@@ -203,8 +206,7 @@ TEST_F(PulseTest, AServerThatBreaksOffTheHandshakeIsTriedOnce)
     relay.Stop();
     server.stop();
     EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_TRUE(outcome.Logged("ERROR: RESTTelemetry::Send: Send telemetry failed. WinHTTP error: "
-                               "ERROR_WINHTTP_SECURE_CHANNEL_ERROR 12157"));
+    EXPECT_TRUE(outcome.Logged("ERROR: RESTTelemetry::Send: Send telemetry failed. WinHTTP error: ", kNoTls));
     EXPECT_EQ(relay.Connections(), 1u);
 }
 
