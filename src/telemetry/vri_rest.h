@@ -45,7 +45,8 @@ private:
     std::wstring m_sdkv;
     std::wstring m_machineGuid; ///< no request carries it
     std::wstring m_serviceHost;
-    std::uint32_t m_timeoutMillisec = 3000;
+    std::uint32_t m_timeoutMillisec =
+        3000; ///< for each step of a request: an update must not wait for a silent service
 };
 
 } // namespace vantor

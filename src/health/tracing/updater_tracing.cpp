@@ -22,7 +22,7 @@ constexpr std::uint64_t kLeastFreeMebibytes = 151;
 void RequestFolderAccess(ScopedAccessProtectionExclusionObject& exclusion, const TraceFolder& folder,
                          const std::string& operation)
 {
-    constexpr std::uint32_t kFileAccess = 0x14201B;
+    constexpr std::uint32_t kFileAccess = 0x14201B; // what the product's module wants asked for this folder
 
     if (exclusion.InitialisationResult() != ERROR_SUCCESS) {
         LogTrace(operation + ": Failed on initialization scoped access protection exclusion object.");

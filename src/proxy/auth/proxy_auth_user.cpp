@@ -27,6 +27,7 @@ bool CHTTPProxyAuthUser::InitRequest(const ProxyHost& host, HttpRequest& request
         log.Trace("m_impersonator is null.");
         return false;
     }
+    // Which option the call was once meant to set is not known; WinHTTP refuses option 0, so this scheme fails here.
     if (!m_impersonator->Impersonate(host.config.m_currentUser) || !request.SetOption(0, nullptr, 0)) {
         const LastErrorKeeper keeper;
         log.Trace("Automatic logon failed.");
