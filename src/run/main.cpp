@@ -1,6 +1,7 @@
 #include "platform/text.h"
 #include "run/run_driver.h"
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -8,13 +9,11 @@
 /// UTF-8: a full-width quote into a quote, for one.
 int wmain(int argc, wchar_t** argv)
 {
-    std::vector<std::string> arguments;
-    std::vector<const char*> pointers;
-    for (int index = 0; index < argc; ++index) {
-        arguments.push_back(vantor::ToNarrow(argv[index]));
-    }
-    for (const std::string& argument : arguments) {
-        pointers.push_back(argument.c_str());
+    std::vector<std::string> arguments(static_cast<std::size_t>(argc));
+    std::vector<const char*> pointers(arguments.size());
+    for (std::size_t index = 0; index < arguments.size(); ++index) {
+        arguments[index] = vantor::ToNarrow(argv[index]);
+        pointers[index] = arguments[index].c_str();
     }
     return vantor::RunPulse(argc, pointers.data());
 }
