@@ -158,18 +158,6 @@ TEST(Proxies, EachKindWithEachKindOfCredentials)
     for (const auto& [path, outcome] : kScripts) {
         run(path, "", person + outcome, {}, Settings(false, 5, {"", "", web.Url(path)}) + machine);
     }
-
-    // What Wine cannot carry, over a scripted network, whose process list has an explorer.exe.
-    SetRegistry("[HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon]\n"
-                "\"Shell\"=\"explorer.exe\"\n");
-    const Background scripted(UnderWine({WindowsTree("tests/vantor_windows_tests.exe"),
-                                         "--gtest_filter=*AProxysChallengeIsAnsweredWithEachSchemeOnce:*"
-                                         "WithoutACertificateTheLogSaysWhatHappened"}),
-                              "scripted", "[  PASSED  ] 2 tests.");
-    std::istringstream rows(scripted.Output());
-    for (std::string row; std::getline(rows, row);) {
-        std::cout << (row.starts_with("scripted | ") ? row + '\n' : "");
-    }
 }
 
 TEST(Proxies, NobodyElseWritesALineOfTheLog)

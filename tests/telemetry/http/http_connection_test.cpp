@@ -1,7 +1,5 @@
 #include "support/connection_test.h"
 
-#include <psapi.h>
-
 namespace vantor {
 namespace {
 
@@ -156,9 +154,6 @@ TEST_F(HttpConnectionTest, AProxysChallengeIsAnsweredWithEachSchemeOnce)
         outcome += std::to_string(response.status) + (response.result ? " " + std::to_string(response.result) : "");
         EXPECT_EQ(outcome, row.outcome);
         EXPECT_EQ(m_http->openHandles, 0);
-        std::printf("scripted | named, offers %lu, accepts %lu, legs %d%s%s | %s | %s\n", row.proxy.offers,
-                    row.proxy.accepts, row.proxy.legs, row.failing[0] ? ", fails in " : "", row.failing,
-                    ::testing::PrintToString(row.configured).c_str(), outcome.c_str());
     }
     EXPECT_TRUE(m_tokens->calls.ends_with("Impersonate shell;Revert;")) << m_tokens->calls;
     EXPECT_TRUE(Logged("T HttpConnection::SendRequest: Clean request failed =0"));
@@ -234,8 +229,6 @@ TEST_F(HttpConnectionTest, WithoutACertificateTheLogSaysWhatHappened)
         EXPECT_TRUE(Logged(row.line)) << ::testing::PrintToString(m_log->lines);
         EXPECT_EQ(Logged(std::end(kCases)[-1].line), row.result == 12175);
         EXPECT_EQ(Calls("SendRequest body"), 1);
-        std::printf("scripted | named, status %lu, error %lu in receiving | none | %lu %lu\n", row.refusal, row.error,
-                    response.status, response.result);
     }
 }
 
@@ -266,18 +259,6 @@ TEST_F(HttpConnectionTest, WithoutWhatItNeedsNothingIsSent)
     std::unique_ptr<HttpRequest> request;
     EXPECT_EQ(connection.SendRequest(request, {}, {}, "body"), DWORD{ERROR_WINHTTP_INCORRECT_HANDLE_STATE});
     EXPECT_TRUE(Logged("E HttpConnection::SendRequest: no connection: ERROR_WINHTTP_INCORRECT_HANDLE_STATE 12019"));
-}
-
-TEST_F(HttpConnectionTest, ManySendsTakeNoMoreThanOne)
-{
-    PROCESS_MEMORY_COUNTERS memory{};
-    for (std::size_t send = 0, most = 0; send < 400; ++send, m_log->lines.clear(), g_world = {}) {
-        EXPECT_EQ(Query().result, 0u);
-        EXPECT_EQ(m_http->openHandles, 0);
-        ::GetProcessMemoryInfo(::GetCurrentProcess(), &memory, sizeof(memory));
-        most = send == 200 ? memory.WorkingSetSize + 256 * 1024 : most; // every cache is filled by then
-        EXPECT_TRUE(send <= 200 || memory.WorkingSetSize < most) << send;
-    }
 }
 
 } // namespace
