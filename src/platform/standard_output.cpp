@@ -11,7 +11,7 @@ void WriteToStandard(DWORD handle, std::string_view text)
 {
     constexpr std::size_t kPiece = 8192; // older versions of Windows take little more than that at once
 
-    const HANDLE stream = ::GetStdHandle(handle);
+    HANDLE stream = ::GetStdHandle(handle);
     DWORD mode = 0;
     DWORD written = 1;
     if (::GetConsoleMode(stream, &mode)) {
