@@ -58,8 +58,8 @@ std::vector<DWORD> IsAnyProcessRunning(ITokenCalls& tokens, const std::vector<st
         }
     }
     const DWORD console = tokens.ActiveConsoleSession();
-    std::ranges::stable_partition(ids,
-                                  [&](DWORD id) { return console != kNoSession && tokens.SessionOf(id) == console; });
+    std::stable_partition(ids.begin(), ids.end(),
+                          [&](DWORD id) { return console != kNoSession && tokens.SessionOf(id) == console; });
     return ids;
 }
 
