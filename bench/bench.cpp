@@ -253,7 +253,7 @@ void Grow(receiver::Receiver& receiver, const Setting& setting)
     fs::remove(log);
 }
 
-int Run(const Setting& setting)
+int Measure(const Setting& setting)
 {
     fs::create_directories(setting.place);
     CheckMeasure(setting.place / "output.txt");
@@ -264,12 +264,9 @@ int Run(const Setting& setting)
     return 0;
 }
 
-} // namespace
-} // namespace vantor::bench
-
-int main(int argc, char** argv)
+int Run(int argc, char** argv)
 {
-    vantor::bench::Setting setting;
+    Setting setting;
     CLI::App app("What a periodic pulse costs beside programs that do less, as Markdown. Started by bench/run.");
     app.add_option("PROGRAM", setting.program, "vantor.exe")->required();
     app.add_option("BASELINES", setting.baselines, "the folder of the programs that do less")->required();
@@ -278,9 +275,19 @@ int main(int argc, char** argv)
     app.add_option("PAIRS", setting.pairs, "how many runs of each")->required()->check(CLI::Range(1, 9999));
     try {
         app.parse(argc, argv);
-        return vantor::bench::Run(setting);
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? 0 : 2;
+    }
+    return Measure(setting);
+}
+
+} // namespace
+} // namespace vantor::bench
+
+int main(int argc, char** argv)
+{
+    try {
+        return vantor::bench::Run(argc, argv);
     } catch (const std::exception& error) {
         std::fprintf(stderr, "vantor-bench: %s\n", error.what());
         return 1;

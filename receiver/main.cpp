@@ -162,9 +162,7 @@ int Serve(const Options& options)
     return EXIT_SUCCESS;
 }
 
-} // namespace
-
-int main(int count, char** arguments)
+int Run(int count, char** arguments)
 {
     Options options;
     CLI::App app("Receives pulses on https://localhost, checks, decodes and shows them, here and to a browser.",
@@ -172,11 +170,20 @@ int main(int count, char** arguments)
     Describe(app, options);
     try {
         app.parse(count, arguments);
-        return Serve(options);
     } catch (const CLI::ParseError& error) {
         return error.get_exit_code() == EXIT_SUCCESS // --help
                    ? app.exit(error)
                    : Complain(std::string(error.what()) + " (--help lists the options)", kExitWrongOptions);
+    }
+    return Serve(options);
+}
+
+} // namespace
+
+int main(int count, char** arguments)
+{
+    try {
+        return Run(count, arguments);
     } catch (const std::exception& error) { // such as a --pulses file that goes away, or no memory
         return Complain(error.what(), kExitCannotStart);
     }

@@ -129,8 +129,8 @@ bool IsOwnDrive(char letter)
     const std::wstring drive{static_cast<wchar_t>(letter), L':'};
     const UINT type = ::GetDriveTypeW((drive + L'\\').c_str());
     wchar_t device[MAX_PATH] = L"";
-    ::QueryDosDeviceW(drive.c_str(), device, MAX_PATH);
-    const bool isSubstitute = std::wstring_view(device).starts_with(L"\\??\\");
+    const bool isSubstitute =
+        ::QueryDosDeviceW(drive.c_str(), device, MAX_PATH) != 0 && std::wstring_view(device).starts_with(L"\\??\\");
     return type != DRIVE_REMOTE && type != DRIVE_NO_ROOT_DIR && !isSubstitute;
 }
 

@@ -100,7 +100,8 @@ TEST_F(ImpersonationTest, TheShellIsTheOneOfTheRegistry)
     EXPECT_THAT(Impersonate(), ::testing::HasSubstr("OpenProcess 1040 6;"));
 
     using Names = std::vector<std::wstring>;
-    EXPECT_EQ(ShellNames(L"explorer.exe,Kiosk.EXE ,, C:\\A b\\s.exe"), (Names{L"explorer.exe", L"kiosk.exe", L"s.exe"}));
+    EXPECT_EQ(ShellNames(L"explorer.exe,Kiosk.EXE ,, C:\\A b\\s.exe"),
+              (Names{L"explorer.exe", L"kiosk.exe", L"s.exe"}));
     EXPECT_EQ(ShellNames(L"\"C:\\Program Files\\x,y\\my shell.exe\" /y,b.exe"), (Names{L"my shell.exe", L"b.exe"}));
     EXPECT_EQ(ShellNames(L"C:\\Program Files\\a.exes\\s.exe C:\\other\\z.exe /x"), Names{L"s.exe"});
     EXPECT_EQ(ShellNames(L"%SystemRoot%/explorer /n"), Names{L"explorer"});
