@@ -19,7 +19,8 @@ constexpr std::wstring_view kTrustedOwners[] = {
 
 bool IsSameText(std::wstring_view left, std::wstring_view right)
 {
-    const auto isSame = [](wchar_t a, wchar_t b) { return a == b || std::towlower(a) == std::towlower(b); };
+    const auto lower = [](wchar_t c) { return std::towlower(static_cast<std::wint_t>(c)); };
+    const auto isSame = [&](wchar_t a, wchar_t b) { return a == b || lower(a) == lower(b); };
     return std::equal(left.begin(), left.end(), right.begin(), right.end(), isSame);
 }
 
