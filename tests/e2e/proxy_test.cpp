@@ -123,6 +123,8 @@ TEST(Proxies, EachKindWithEachKindOfCredentials)
             log += '\n' + line;
             observed += std::regex_search(line, found, telling) ? ", " + found[1].str() + found[2].str() : "";
         }
+        // What Wine 8 has for a broken script, Wine 10 has another code for.
+        observed = std::regex_replace(observed, std::regex("ERROR_WINHTTP_INTERNAL_ERROR"), "Unknown error (14007)");
         std::cout << "real | " << proxy << " | " << credentials << " | " << observed << '\n';
         EXPECT_EQ(observed, outcome) << log;
         return result;

@@ -17,9 +17,9 @@ class ScratchRegistry {
 public:
     ScratchRegistry()
     {
-        ::RegDeleteTreeW(HKEY_CURRENT_USER, kPath);
-        EXPECT_EQ(::RegCreateKeyExW(HKEY_CURRENT_USER, kPath, 0, nullptr, REG_OPTION_VOLATILE, KEY_ALL_ACCESS, nullptr,
-                                    &m_key, nullptr),
+        ::RegDeleteTreeW(HKEY_CURRENT_USER, m_path.c_str());
+        EXPECT_EQ(::RegCreateKeyExW(HKEY_CURRENT_USER, m_path.c_str(), 0, nullptr, REG_OPTION_VOLATILE, KEY_ALL_ACCESS,
+                                    nullptr, &m_key, nullptr),
                   ERROR_SUCCESS);
         EXPECT_EQ(::RegOverridePredefKey(HKEY_LOCAL_MACHINE, m_key), ERROR_SUCCESS);
     }
@@ -27,7 +27,7 @@ public:
     {
         ::RegOverridePredefKey(HKEY_LOCAL_MACHINE, nullptr);
         ::RegCloseKey(m_key);
-        ::RegDeleteTreeW(HKEY_CURRENT_USER, kPath);
+        ::RegDeleteTreeW(HKEY_CURRENT_USER, m_path.c_str());
     }
     ScratchRegistry(const ScratchRegistry&) = delete;
     ScratchRegistry& operator=(const ScratchRegistry&) = delete;
@@ -89,7 +89,8 @@ private:
         }
     }
 
-    static constexpr const wchar_t* kPath = L"Software\\VANTorTests";
+    /// Of this process alone, for tests run at once.
+    const std::wstring m_path = L"Software\\VANTorTests" + std::to_wstring(::GetCurrentProcessId());
 
     HKEY Open(const wchar_t* path)
     {
