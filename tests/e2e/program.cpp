@@ -216,6 +216,9 @@ void ExpectLog(const Outcome& outcome, const std::string& file)
     std::vector<std::string> actual;
     std::ofstream copy(ScratchFolder() / file);
     for (const std::string& line : outcome.log) {
+        if (line.find("Keep-Alive: timeout=") != std::string::npos) {
+            continue; // where it stands among the headers depends on the release of cpp-httplib
+        }
         actual.push_back(WithoutVersion(std::regex_replace(line, varying, "~")));
         copy << actual.back() << '\n';
     }

@@ -27,7 +27,7 @@ TEST(RegistryKey, ReadsEveryStateOfAValueAlike)
         {REG_BINARY, {'1', 0, '2'}, 0x55320031, L"1", L"1"},
         {REG_QWORD, {'1', 0, '2', 0}, 0x00320031, L"12", L"12"},                      // no terminator, another type
         {REG_MULTI_SZ, {'1', 0, 0, 0, '2', 0, 0, 0}, none, L"1", L"1"},               // a terminator within
-        {REG_SZ, {'1', 0, '2', 0, '3', 0, '4', 0}, none, L"1234", L"1234"},           // fills the buffer
+        {REG_BINARY, {'1', 0, '2', 0, '3', 0, '4', 0}, none, L"1234", L"1234"},       // fills the buffer
         {REG_SZ, {'1', 0, '2', 0, '3', 0, '4', 0, '5'}, none, std::nullopt, L"1234"}, // by one byte too long for it
         {REG_NONE, mebibyte, none, std::nullopt, wide},
         {REG_BINARY, more, none, std::nullopt, std::nullopt},
