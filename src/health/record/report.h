@@ -14,7 +14,7 @@ namespace vantor {
 
 using ReportBytes = std::vector<std::uint8_t>;
 
-/// The maximum size of a report in bytes, 14 KiB, which is what the service takes; the telemetry client refuses a larger one.
+/// The maximum size of a report in bytes; the telemetry client refuses a larger one.
 inline constexpr std::size_t kReportLimitBytes = 14336;
 
 /// The item for a source that cannot be read.
