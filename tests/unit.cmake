@@ -17,6 +17,7 @@ vantor_test(vantor_inspect_tests
     inspect/inspect_command_test.cpp
     inspect/pulse_decoder_test.cpp
     inspect/run_log_test.cpp)
+vantor_precompile(vantor_inspect_tests <nlohmann/json.hpp>)
 vantor_discover(vantor_inspect_tests)
 target_link_libraries(vantor_inspect_tests PRIVATE vantor_inspect_lib)
 # The program itself, on this machine and under Wine: a pulse must give exit code 0, and a log the right summary.
@@ -124,6 +125,7 @@ if(WIN32)
         telemetry/http/http_connection_test.cpp
         telemetry/request/http_request_test.cpp
         telemetry/vri_rest_test.cpp)
+    vantor_precompile(vantor_windows_tests <windows.h>)
     vantor_discover(vantor_windows_tests)
     add_dependencies(vantor_windows_tests signed_module exportless_module process_stand_in starter unversioned
         versioned_none versioned_lying versioned_german
@@ -136,6 +138,7 @@ if(NOT WIN32)
     vantor_test(vantor_receiver_tests
         receiver/pulse_page_test.cpp
         receiver/receiver_test.cpp)
+    vantor_precompile(vantor_receiver_tests <httplib.h> <nlohmann/json.hpp>)
     vantor_discover(vantor_receiver_tests)
     target_link_libraries(vantor_receiver_tests PRIVATE vantor_receiver_lib vantor_httplib)
     target_compile_definitions(vantor_receiver_tests PRIVATE VANTOR_PKI_DIRECTORY="${VANTOR_PKI_DIRECTORY}")
