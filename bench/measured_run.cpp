@@ -1,6 +1,6 @@
 #include "measured_run.h"
 
-#include "platform/lower_case.h"
+#include "platform/text/lower_case.h"
 
 #include <spawn.h>
 #include <sys/wait.h>

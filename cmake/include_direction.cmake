@@ -3,7 +3,9 @@
 cmake_minimum_required(VERSION 3.25)
 
 set(floors
+    platform/text
     platform
+    platform/files
     platform/modules
     run/config
     run/log

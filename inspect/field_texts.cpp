@@ -1,7 +1,7 @@
 #include "inspect/field_texts.h"
 
 #include "health/record/content_version.h"
-#include "platform/formatting.h"
+#include "platform/text/formatting.h"
 
 #include <algorithm>
 #include <iterator>

@@ -1,6 +1,6 @@
 #include "inspect/password_mask.h"
 
-#include "platform/lower_case.h"
+#include "platform/text/lower_case.h"
 #include "run/log/log_texts.h"
 #include "run/options/options.h"
 

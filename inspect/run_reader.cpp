@@ -1,6 +1,6 @@
 #include "inspect/run_reader.h"
 
-#include "platform/lower_case.h"
+#include "platform/text/lower_case.h"
 #include "run/log/log_texts.h"
 #include "telemetry/winhttp/code_names.h"
 

@@ -1,7 +1,7 @@
 // Points in time as text, in UTC, without the C library's calendar, which differs between systems.
 #pragma once
 
-#include "platform/formatting.h"
+#include "platform/text/formatting.h"
 
 #include <chrono>
 #include <optional>

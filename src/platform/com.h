@@ -1,8 +1,8 @@
 // COM's resources and calls: interfaces, strings, result codes.
 #pragma once
 
-#include "platform/formatting.h"
 #include "platform/owner.h"
+#include "platform/text/formatting.h"
 
 #include <objbase.h>
 #include <oleauto.h>

@@ -1,8 +1,8 @@
 #include "platform/process_list.h"
 
-#include "platform/lower_case.h"
 #include "platform/owner.h"
-#include "platform/text.h"
+#include "platform/text/encoding.h"
+#include "platform/text/lower_case.h"
 
 #include <tlhelp32.h>
 

@@ -1,6 +1,6 @@
 #include "platform/standard_output.h"
 
-#include "platform/text.h"
+#include "platform/text/encoding.h"
 
 #include <algorithm>
 #include <string>

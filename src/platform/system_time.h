@@ -1,7 +1,7 @@
 // Windows' own date and time, for formatting.
 #pragma once
 
-#include "platform/formatting.h"
+#include "platform/text/formatting.h"
 
 #include <windows.h>
 

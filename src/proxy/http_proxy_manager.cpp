@@ -1,6 +1,6 @@
 #include "proxy/http_proxy_manager.h"
 
-#include "platform/text.h"
+#include "platform/text/encoding.h"
 #include "proxy/session/http_session_auto_proxy.h"
 #include "proxy/session/http_session_named_proxy.h"
 #include "run/log/log_texts.h"

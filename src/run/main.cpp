@@ -1,4 +1,4 @@
-#include "platform/text.h"
+#include "platform/text/encoding.h"
 #include "run/run_driver.h"
 
 #include <cstddef>

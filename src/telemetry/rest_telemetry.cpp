@@ -2,7 +2,7 @@
 
 #include "platform/modules/crypt32.h"
 #include "platform/modules/winhttp.h"
-#include "platform/text.h"
+#include "platform/text/encoding.h"
 #include "proxy/config/proxy_settings.h"
 #include "run/log/log_texts.h"
 #include "run/log/logging.h"

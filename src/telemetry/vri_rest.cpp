@@ -2,7 +2,7 @@
 
 #include "platform/modules/crypt32.h"
 #include "platform/owner.h"
-#include "platform/text.h"
+#include "platform/text/encoding.h"
 #include "run/log/logging.h"
 #include "run/product/brand.h"
 #include "run/product/ipv6_preference.h"

@@ -4,7 +4,7 @@
 #include "health/record/dotted_version.h"
 #include "inspect/inspect_command.h"
 #include "inspect/pulse_text.h"
-#include "platform/multi_string.h"
+#include "platform/text/multi_string.h"
 #include "run/options/options.h"
 #include "support/option_rows.h"
 #include "support/password_log.h"

@@ -1,6 +1,6 @@
 #include "platform/modules/module.h"
 #include "platform/registry.h"
-#include "platform/text.h"
+#include "platform/text/encoding.h"
 #include "support/scratch_registry.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 // The program's own connection over the real Windows calls, with settings that no option of the program gives.
-#include "platform/text.h"
+#include "platform/text/encoding.h"
 #include "telemetry/http/http_connection.h"
 #include "telemetry/winhttp/http_implementation.h"
 

@@ -2,7 +2,7 @@
 // on that function or subject in Microsoft's documentation, or an RFC.
 #pragma once
 
-#include "platform/text.h"
+#include "platform/text/encoding.h"
 #include "proxy/calls/proxy_discovery.h"
 #include "telemetry/winhttp/http_interface.h"
 

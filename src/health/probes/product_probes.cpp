@@ -1,7 +1,7 @@
 #include "health/probes/product_probes.h"
 
 #include "health/record/dotted_version.h"
-#include "platform/text.h"
+#include "platform/text/encoding.h"
 #include "run/log/logging.h"
 #include "run/product/file_version_info.h"
 #include "run/product/registry_values.h"

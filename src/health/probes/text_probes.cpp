@@ -1,8 +1,8 @@
 #include "health/probes/text_probes.h"
 
 #include "health/record/report.h"
-#include "platform/formatting.h"
-#include "platform/text.h"
+#include "platform/text/encoding.h"
+#include "platform/text/formatting.h"
 #include "run/log/logging.h"
 #include "run/product/registry_values.h"
 

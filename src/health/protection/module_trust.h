@@ -2,7 +2,7 @@
 // from the file and its signature.
 #pragma once
 
-#include "platform/file_facts.h"
+#include "platform/files/file_facts.h"
 
 #include <string>
 

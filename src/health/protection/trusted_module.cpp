@@ -4,10 +4,10 @@
 #include "health/protection/module_trust.h"
 #include "health/protection/signature.h"
 #include "platform/dynamic_function.h"
-#include "platform/open_file.h"
+#include "platform/files/open_file.h"
 #include "platform/program.h"
 #include "platform/registry.h"
-#include "platform/text.h"
+#include "platform/text/encoding.h"
 #include "run/log/logging.h"
 
 #include <algorithm>

@@ -2,8 +2,8 @@
 
 #include "health/protection/access_protection.h"
 #include "health/record/dotted_version.h"
-#include "platform/multi_string.h"
-#include "platform/text.h"
+#include "platform/text/encoding.h"
+#include "platform/text/multi_string.h"
 #include "run/log/log_texts.h"
 #include "run/log/logging.h"
 #include "run/product/registry_values.h"

@@ -1,10 +1,10 @@
 #include "health/tracing/trace_files.h"
 
+#include "platform/files/open_file.h"
 #include "platform/last_error.h"
 #include "platform/modules/shell32.h"
-#include "platform/open_file.h"
 #include "platform/system_time.h"
-#include "platform/text.h"
+#include "platform/text/encoding.h"
 #include "run/log/logging.h"
 
 #include <shlobj.h>

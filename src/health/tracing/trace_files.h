@@ -1,7 +1,7 @@
 // The trace files of the updater on disk.
 #pragma once
 
-#include "platform/file_facts.h"
+#include "platform/files/file_facts.h"
 #include "platform/owner.h"
 
 #include <windows.h>

@@ -2,7 +2,7 @@
 
 #include "health/protection/access_protection.h"
 #include "platform/process_list.h"
-#include "platform/text.h"
+#include "platform/text/encoding.h"
 #include "run/log/log_texts.h"
 #include "run/log/logging.h"
 #include "trace_providers.h"

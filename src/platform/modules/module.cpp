@@ -2,7 +2,7 @@
 
 #include "platform/last_error.h"
 #include "platform/owner.h"
-#include "platform/text.h"
+#include "platform/text/encoding.h"
 
 namespace vantor {
 

@@ -1,7 +1,7 @@
 #include "proxy/session/http_session_auto_proxy.h"
 
 #include "platform/owner.h"
-#include "platform/text.h"
+#include "platform/text/encoding.h"
 #include "run/log/log_texts.h"
 #include "telemetry/winhttp/code_names.h"
 

@@ -1,7 +1,7 @@
 #include "proxy/session/http_session_named_proxy.h"
 
 #include "platform/owner.h"
-#include "platform/text.h"
+#include "platform/text/encoding.h"
 #include "proxy/calls/name_resolver.h"
 
 #include <optional>

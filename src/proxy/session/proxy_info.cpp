@@ -1,7 +1,7 @@
 #include "proxy/session/proxy_info.h"
 
 #include "platform/last_error.h"
-#include "platform/text.h"
+#include "platform/text/encoding.h"
 
 #include <cwchar>
 #include <new>

@@ -1,8 +1,8 @@
 #include "proxy/user/logged_on_user.h"
 
-#include "platform/lower_case.h"
 #include "platform/registry.h"
-#include "platform/text.h"
+#include "platform/text/encoding.h"
+#include "platform/text/lower_case.h"
 #include "proxy/user/shell_names.h"
 #include "run/log/operation_log.h"
 

@@ -1,6 +1,6 @@
 #include "proxy/user/shell_names.h"
 
-#include "platform/lower_case.h"
+#include "platform/text/lower_case.h"
 
 #include <algorithm>
 

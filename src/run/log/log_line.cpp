@@ -1,6 +1,6 @@
 #include "run/log/log_line.h"
 
-#include "platform/formatting.h"
+#include "platform/text/formatting.h"
 
 namespace vantor {
 namespace {

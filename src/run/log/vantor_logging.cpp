@@ -1,8 +1,8 @@
 #include "run/log/vantor_logging.h"
 
-#include "platform/append_file.h"
+#include "platform/files/append_file.h"
 #include "platform/standard_output.h"
-#include "platform/text.h"
+#include "platform/text/encoding.h"
 
 #include <stdexcept>
 

@@ -1,8 +1,8 @@
 #include "run/options/get_config.h"
 
+#include "platform/files/read_file.h"
 #include "platform/program.h"
-#include "platform/read_file.h"
-#include "platform/text.h"
+#include "platform/text/encoding.h"
 #include "run/log/log_texts.h"
 #include "run/log/logging.h"
 #include "run/options/options.h"

@@ -1,6 +1,6 @@
 #include "run/options/options.h"
 
-#include "platform/lower_case.h"
+#include "platform/text/lower_case.h"
 #include "run/log/log_texts.h"
 #include "run/options/numbers.h"
 

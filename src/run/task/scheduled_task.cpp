@@ -3,7 +3,7 @@
 #include "platform/com.h"
 #include "platform/program.h"
 #include "platform/system_time.h"
-#include "platform/text.h"
+#include "platform/text/encoding.h"
 #include "run/log/log_texts.h"
 #include "run/log/logging.h"
 #include "run/task/registration_checks.h"

@@ -1,7 +1,7 @@
 // When the periodic task runs next and with which arguments: the chain in which each run registers the following one.
 #pragma once
 
-#include "platform/formatting.h"
+#include "platform/text/formatting.h"
 #include "run/config/run_config.h"
 
 #include <chrono>

@@ -2,7 +2,7 @@
 
 #include "platform/modules/crypt32.h"
 #include "platform/system_time.h"
-#include "platform/text.h"
+#include "platform/text/encoding.h"
 #include "telemetry/request/pem.h"
 
 #include <string>

@@ -3,7 +3,7 @@
 #include "telemetry/request/http_request.h"
 
 #include "platform/last_error.h"
-#include "platform/text.h"
+#include "platform/text/encoding.h"
 #include "telemetry/winhttp/code_names.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "telemetry/winhttp/http_implementation.h"
 
 #include "platform/modules/winhttp.h"
-#include "platform/text.h"
+#include "platform/text/encoding.h"
 #include "run/log/log_texts.h"
 
 #include <string>

@@ -2,7 +2,7 @@
 
 #include "health/protection/trusted_module.h"
 #include "platform/program.h"
-#include "platform/text.h"
+#include "platform/text/encoding.h"
 #include "support/log_capture.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #include "health/repair/integrity_checks.h"
 
-#include "platform/multi_string.h"
 #include "platform/registry.h"
+#include "platform/text/multi_string.h"
 #include "support/log_capture.h"
 #include "support/scratch_registry.h"
 

@@ -2,7 +2,7 @@
 
 #include "health/tracing/trace_files.h"
 #include "platform/process_list.h"
-#include "platform/text.h"
+#include "platform/text/encoding.h"
 #include "support/log_capture.h"
 
 #include <gtest/gtest.h>

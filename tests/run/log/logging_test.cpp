@@ -1,7 +1,7 @@
 #include "run/log/logging.h"
-#include "platform/append_file.h"
-#include "platform/open_file.h"
-#include "platform/text.h"
+#include "platform/files/append_file.h"
+#include "platform/files/open_file.h"
+#include "platform/text/encoding.h"
 #include "support/log_capture.h"
 
 #include <gtest/gtest.h>

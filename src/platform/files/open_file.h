@@ -1,7 +1,7 @@
 // Opening files, and asking what was opened.
 #pragma once
 
-#include "platform/file_facts.h"
+#include "platform/files/file_facts.h"
 #include "platform/owner.h"
 
 namespace vantor {

@@ -1,4 +1,4 @@
-#include "platform/formatting.h"
+#include "platform/text/formatting.h"
 
 #include <algorithm>
 #include <charconv>

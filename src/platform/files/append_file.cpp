@@ -1,6 +1,6 @@
-#include "platform/append_file.h"
+#include "platform/files/append_file.h"
 
-#include "platform/open_file.h"
+#include "platform/files/open_file.h"
 
 #include <sddl.h>
 

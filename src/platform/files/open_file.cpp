@@ -1,4 +1,4 @@
-#include "platform/open_file.h"
+#include "platform/files/open_file.h"
 
 #include <aclapi.h>
 #include <sddl.h>

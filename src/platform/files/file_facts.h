@@ -1,5 +1,5 @@
 // What must be known of a file before a program that runs as SYSTEM uses it, and what is judged by it. Pure: the facts
-// come from platform/open_file.h.
+// come from platform/files/open_file.h.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include "platform/multi_string.h"
+#include "platform/text/multi_string.h"
 
 #include <algorithm>
 #include <string>

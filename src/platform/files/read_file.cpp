@@ -1,6 +1,6 @@
-#include "platform/read_file.h"
+#include "platform/files/read_file.h"
 
-#include "platform/open_file.h"
+#include "platform/files/open_file.h"
 
 #include <algorithm>
 

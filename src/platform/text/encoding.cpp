@@ -1,6 +1,6 @@
-#include "platform/text.h"
+#include "platform/text/encoding.h"
 
-#include "platform/formatting.h"
+#include "platform/text/formatting.h"
 
 #include <windows.h>
 
