@@ -45,12 +45,6 @@ if(WIN32)
     add_executable(starter stand_ins/starter.cpp)
     vantor_strict(starter)
 
-    # The Task Scheduler, as a server that COM loads in the place of Windows' own.
-    add_library(task_scheduler MODULE stand_ins/task_scheduler.cpp)
-    set_target_properties(task_scheduler PROPERTIES PREFIX "" WINDOWS_EXPORT_ALL_SYMBOLS ON)
-    target_link_libraries(task_scheduler PRIVATE taskschd oleaut32)
-    vantor_strict(task_scheduler)
-
     # The program's connection with settings that no option gives.
     add_executable(proxied_client stand_ins/proxied_client.cpp)
     target_link_libraries(proxied_client PRIVATE vantor_windows)
@@ -108,8 +102,8 @@ if(WIN32)
     signed_module(exportless unversioned)
 
     # What the end-to-end tests start or copy.
-    add_custom_target(end_to_end DEPENDS vantor vantor_windows_tests process_stand_in starter task_scheduler proxied_client
-        many_runs versioned_german signed_module)
+    add_custom_target(end_to_end DEPENDS vantor vantor_windows_tests process_stand_in starter proxied_client many_runs
+        versioned_german signed_module)
 
     vantor_test(vantor_windows_tests
         health/protection/access_protection_test.cpp
@@ -125,16 +119,25 @@ if(WIN32)
         run/product/file_version_info_test.cpp
         run/options/get_config_test.cpp
         run/log/logging_test.cpp
+        run/task/scheduled_task_test.cpp
+        run/task/scheduling_test.cpp
+        support/recording_scheduler.cpp
         telemetry/http/http_connection_test.cpp
         telemetry/request/http_request_test.cpp
         telemetry/vri_rest_test.cpp)
     vantor_precompile(vantor_windows_tests <windows.h>)
+    set_source_files_properties(support/recording_scheduler.cpp PROPERTIES SKIP_PRECOMPILE_HEADERS ON)
+    if(CMAKE_CROSSCOMPILING_EMULATOR) # local time must not be UTC's
+        set_property(TARGET vantor_windows_tests PROPERTY CROSSCOMPILING_EMULATOR
+            ${CMAKE_CROSSCOMPILING_EMULATOR} TZ=JST-9)
+    endif()
     vantor_discover(vantor_windows_tests)
     add_dependencies(vantor_windows_tests signed_module exportless_module process_stand_in starter unversioned
         versioned_none versioned_lying versioned_german
         versioned_german_english versioned_german_english_neutral)
     target_link_libraries(vantor_windows_tests PRIVATE vantor_windows winhttp crypt32 ole32 oleaut32 taskschd)
-    target_compile_definitions(vantor_windows_tests PRIVATE VANTOR_PKI_DIRECTORY="${VANTOR_PKI_DIRECTORY}")
+    target_compile_definitions(vantor_windows_tests PRIVATE
+        VANTOR_SOURCE_DIRECTORY="${PROJECT_SOURCE_DIR}" VANTOR_PKI_DIRECTORY="${VANTOR_PKI_DIRECTORY}")
 endif()
 
 if(NOT WIN32)

@@ -12,9 +12,7 @@ vantor_test(vantor_e2e_tests
     e2e/proxy_test.cpp
     e2e/pulse_test.cpp
     e2e/relay.cpp
-    e2e/repairs_test.cpp
-    e2e/schedule_owner_test.cpp
-    e2e/schedule_test.cpp)
+    e2e/repairs_test.cpp)
 vantor_precompile(vantor_e2e_tests <httplib.h> <nlohmann/json.hpp>)
 target_link_libraries(vantor_e2e_tests PRIVATE vantor_receiver_lib vantor_inspect_lib vantor_httplib)
 target_compile_definitions(vantor_e2e_tests PRIVATE

@@ -7,9 +7,11 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdio>
 #include <fstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace vantor {
@@ -32,6 +34,14 @@ public:
         return lines;
     }
 
+    /// The lines since the last call.
+    std::vector<std::string> Take()
+    {
+        std::vector<std::string> lines = Lines();
+        lines.erase(lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(std::exchange(m_taken, lines.size())));
+        return lines;
+    }
+
     bool Has(const std::string& line) const { return std::ranges::count(Lines(), line) != 0; }
 
 private:
@@ -43,6 +53,7 @@ private:
         std::string path = "log_capture_" + std::to_string(::GetCurrentProcessId()) + ".log";
     };
 
+    std::size_t m_taken = 0;
     File m_file;
     VantorLogging m_logging;
 };
