@@ -123,6 +123,7 @@ if(WIN32)
         run/task/scheduling_test.cpp
         support/recording_scheduler.cpp
         telemetry/http/http_connection_test.cpp
+        telemetry/request/certificate_test.cpp
         telemetry/request/http_request_test.cpp
         telemetry/vri_rest_test.cpp)
     vantor_precompile(vantor_windows_tests <windows.h>)

@@ -13,31 +13,9 @@
 #include <map>
 #include <memory>
 #include <ranges>
-#include <set>
 #include <sstream>
 
-extern "C" {
-extern decltype(&::GlobalAlloc) __imp_GlobalAlloc; // the test program's import table
-extern decltype(&::GlobalFree) __imp_GlobalFree;
-}
-
 namespace vantor {
-
-/// Every GlobalAlloc of the test program that it did not free yet. Its imports are redirected at its start.
-inline std::set<HGLOBAL> g_globalMemory;
-inline const bool g_globalMemoryIsWatched = [] {
-    DWORD protection = 0;
-    ::VirtualProtect(&__imp_GlobalAlloc, sizeof(void*), PAGE_READWRITE, &protection);
-    __imp_GlobalAlloc = [](UINT, SIZE_T bytes) -> HGLOBAL {
-        return *g_globalMemory.insert(::HeapAlloc(::GetProcessHeap(), 0, bytes)).first;
-    };
-    ::VirtualProtect(&__imp_GlobalFree, sizeof(void*), PAGE_READWRITE, &protection);
-    __imp_GlobalFree = [](HGLOBAL memory) -> HGLOBAL {
-        EXPECT_EQ(g_globalMemory.erase(memory), 1u) << "freed twice, or never given";
-        return ::HeapFree(::GetProcessHeap(), 0, memory) ? nullptr : memory;
-    };
-    return true;
-}();
 
 /// A name server; addresses become text as Windows does it.
 class ScriptedResolver : public WindowsNameResolver {
@@ -128,7 +106,6 @@ protected:
             EXPECT_FALSE(::GetHandleInformation(handle, &flags) && flags == HANDLE_FLAG_INHERIT)
                 << "not closed: " << name;
         }
-        EXPECT_TRUE(g_globalMemory.empty()) << "not freed";
     }
 
     ProxyCalls Windows() const { return {m_discovery, m_resolver, m_tokens}; }

@@ -138,6 +138,7 @@ public:
     {
         const std::string& way = m_ways[handle];
         ways += (way.empty() ? "direct" : way) + ";";
+        calls += g_world.actsAs.empty() ? "" : "As " + g_world.actsAs + ";"; // sends with that user's rights
         Request& request = m_requests[handle];
         // WinHTTP keeps no credentials: they serve one send of their handle (WinHttpSetCredentials).
         const DWORD credentials = std::exchange(request.credentials, 0);

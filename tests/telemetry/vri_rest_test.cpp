@@ -1,11 +1,8 @@
 #include "telemetry/vri_rest.h"
 
 #include "support/scratch_registry.h"
-#include "telemetry/winhttp/code_names.h"
 
 #include <gtest/gtest.h>
-#include <windows.h>
-#include <winhttp.h>
 
 namespace vantor {
 namespace {
@@ -46,16 +43,6 @@ TEST(VriRest, IdentifiersComeFromTheRegistry)
 
     registry.Set(kIdentifiers, L"clientid", std::wstring(255, L'l')); // no room for this one
     EXPECT_NE(VRIREST().CreateCiSection().find(R"("cliid":"")"), std::string::npos);
-}
-
-TEST(CodeNames, AreThoseOfTheWindowsHeaders)
-{
-#define EXPECT_ERROR_NAME(name) EXPECT_EQ(WinHttpErrorName(ERROR_WINHTTP_##name), "ERROR_WINHTTP_" #name)
-#define EXPECT_STATUS_NAME(name)                                                                                       \
-    EXPECT_EQ(WinHttpStatusName(WINHTTP_CALLBACK_STATUS_##name), "WINHTTP_CALLBACK_STATUS_" #name)
-#include "telemetry/winhttp/winhttp_names.inc"
-#undef EXPECT_ERROR_NAME
-#undef EXPECT_STATUS_NAME
 }
 
 } // namespace

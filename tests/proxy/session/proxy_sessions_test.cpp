@@ -1,5 +1,7 @@
 #include "support/proxy_test.h"
 
+#include "proxy/session/http_session_named_proxy.h"
+
 namespace vantor {
 namespace {
 
@@ -33,6 +35,8 @@ TEST_F(ProxyTest, TheNamedSessionOpensWithTheNameThatItDetermines)
         EXPECT_TRUE(Logged(std::string(row.line).insert(2, "CHTTPSessionNamedProxy::DetermineProxyName: ")))
             << row.line;
     }
+    EXPECT_FALSE(CHTTPSessionNamedProxy(ProxyHost{m_http, Windows(), m_log, L"Agent", {}}).DetermineProxyName(nullptr));
+    EXPECT_TRUE(Logged("T CHTTPSessionNamedProxy::DetermineProxyName: False, proxy address empty"));
     m_resolver->missing = "dnsapi.dll: error 126";
     EXPECT_EQ(m_manager.OpenSession(nullptr), nullptr);
     m_manager.InitConfig({.m_address = L"proxy"}); // needs neither
@@ -93,8 +97,14 @@ TEST_F(ProxyTest, SessionsWithAndWithoutAScheme)
     EXPECT_EQ(m_manager.OpenSession(nullptr), nullptr);
     EXPECT_TRUE(Logged("E CHTTPSession::Open: Failed to open non proxy connection, err=12001"));
 
+    m_manager.InitConfig({.m_address = L"proxy"});
+    EXPECT_FALSE(m_manager.InitRequest(nullptr, m_request, L"u", nullptr) || m_manager.CleanRequest(nullptr));
+    EXPECT_TRUE(Logged("T CHTTPSessionProxy::InitRequest: False, authScheme null."));
+    EXPECT_TRUE(Logged("T CHTTPSessionProxy::CleanRequest: False, authScheme null."));
+
     CHTTPProxyManager without(nullptr, Windows(), m_log, L"Agent");
     without.InitConfig(AutoProxy());
+    EXPECT_EQ(without.OpenSession(nullptr), nullptr);
     EXPECT_FALSE(without.InitRequest(nullptr, m_request, L"u", m_none));
     EXPECT_FALSE(without.CleanRequest(m_none));
 }

@@ -10,9 +10,13 @@ public:
 
 TEST_F(HttpConnectionTest, OpensForTls12Only)
 {
-    m_http->errors["CloseHandle"] = {6};
+    m_http->errors["CloseHandle"] = {6, 6};
     Connect();
-    EXPECT_TRUE(Logged("E HttpConnection::~HttpConnection: Unable to close connection"));
+    for (const char* const line :
+         {"~HttpConnection: Unable to close connection", "Close: m_HttpInterface->CloseHandle(m_hConnection) failed",
+          "Close: m_HttpInterface->CloseHandle(m_hSession) failed"}) {
+        EXPECT_TRUE(Logged(std::string("E HttpConnection::") + line)) << line;
+    }
     EXPECT_EQ(m_http->calls, "Open 1;SetTimeouts 1 2 3 4;SetOption 84 2048;SetOption 133 0;Connect service.example 443;"
                              "CloseHandle 2;CloseHandle 1;");
 }
@@ -106,6 +110,8 @@ TEST_F(HttpConnectionTest, FallsBackToADirectConnectionOnce)
         EXPECT_EQ(m_http->openHandles, 0);
     }
     EXPECT_TRUE(Logged("T CHTTPSessionAutoProxy::TrySystemProxyInfo: System proxy discovery not configured"));
+    EXPECT_EQ(Query([](auto& settings) { settings.proxy = {}; }).result, 0u);
+    EXPECT_TRUE(Logged("T C_HTTPProxyAuthListManager::InitRequest: No rep authentication configured."));
     EXPECT_TRUE(Logged("E HttpConnection::SendRequest: HTTPRequest::Send() failed: "
                        "ERROR_WINHTTP_NAME_NOT_RESOLVED 12007"));
     EXPECT_TRUE(Logged("E HttpConnection::SendRequest: HTTPRequest::Send() failed, not retrying"));
@@ -136,6 +142,9 @@ TEST_F(HttpConnectionTest, AProxysChallengeIsAnsweredWithEachSchemeOnce)
         {{3, 1}, {3, 1}, "send 2 1 send 200", "SetCredentials", {87}},
         {{3, 1}, {2, 2, 1}, "send 2 send 2 0 87", "SetCredentials", {0, 87}},
         {{2, 1}, {3, 1}, "send 1 send 200", "SetOption 0", {12009}}, // no logon as the user
+        {{2}, {}, "as shell send 200"},
+        {{7}, {}, "0 12015"}, // there is no such scheme
+        {{7, 1}, {1, 1}, "send 1 send 200"},
         {{3}, {0, 0, 0, 403}, "2 send 403"},
     };
     for (const auto& row : kCases) {
@@ -148,7 +157,7 @@ TEST_F(HttpConnectionTest, AProxysChallengeIsAnsweredWithEachSchemeOnce)
         std::string outcome;
         std::istringstream calls(m_http->calls);
         for (std::string one; std::getline(calls, one, ';');) {
-            outcome += one == "SendRequest body" ? "send " : "";
+            outcome += one == "SendRequest body" ? "send " : one == "As shell" ? "as shell " : "";
             outcome += one.starts_with("SetCredentials 1 ") ? one.substr(17, one.find(' ', 17) - 16) : "";
         }
         outcome += std::to_string(response.status) + (response.result ? " " + std::to_string(response.result) : "");

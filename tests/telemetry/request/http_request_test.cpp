@@ -66,6 +66,8 @@ TEST_F(HttpRequestTest, AcceptsExactlyWhatAPinnedIssuerSigned)
         EXPECT_EQ(request.Verdict(), verdict);
         EXPECT_EQ(valid, verdict == CertificateVerdict::accepted);
         EXPECT_EQ(Logged("T HttpRequest::ValidateServerCert: Verified: 1"), valid);
+        EXPECT_EQ(Logged("E HttpRequest::ValidateServerCert: Certificate in request not as expected."),
+                  verdict == CertificateVerdict::rejected);
         if (issuer) { // shown among what is available, and as matching
             const std::string subject = "T HttpRequest::ValidateServerCert: Certificate Subject: ";
             EXPECT_EQ(std::count(m_log->lines.begin(), m_log->lines.end(), subject + issuer), 2);
@@ -113,8 +115,9 @@ TEST_F(HttpRequestTest, AFailedStepEndsTheQueryButOpeningIsTriedAgainOnceAfterAR
     m_http->errors = {{"OpenRequest", {12019}}, {"Connect", {0, 12007}}}; // no reset
     EXPECT_EQ(Query().result, 12019u);
     EXPECT_TRUE(Logged("E HttpConnection::SendRequest: Failed to open HTTP request."));
-    m_http->errors = {{"OpenRequest", {12001}}, {"SetOption 77", {12009}}};
+    m_http->errors = {{"OpenRequest", {12001}}, {"SetOption 77", {12009}}, {"CloseHandle", {0, 0, 6}}};
     EXPECT_EQ(Query().result, 0u);
+    EXPECT_TRUE(Logged("E HttpRequest::Close: m_HttpInterface->CloseHandle failed")); // behind the reset's two
     EXPECT_THAT(m_log->lines, ::testing::Contains(::testing::EndsWith("12009: the automatic logon stays as it is.")));
     EXPECT_THAT(m_log->lines, ::testing::Contains(::testing::EndsWith("12019, retry 0")));
     EXPECT_THAT(m_log->lines, ::testing::Contains(::testing::EndsWith("12001, retry 1")));
