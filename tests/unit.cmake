@@ -70,9 +70,12 @@ if(WIN32)
     versioned_module(versioned_german "0x0407, 1252")
     versioned_module(versioned_german_english "0x0407, 1252, 0x0409, 1200")
     versioned_module(versioned_german_english_neutral "0x0407, 1252, 0x0409, 1200, 0, 1200")
-    add_library(versioned_lying MODULE stand_ins/module.cpp stand_ins/versioned_lying.rc)
+    foreach(broken IN ITEMS versioned_lying versioned_short)
+        add_library(${broken} MODULE stand_ins/module.cpp stand_ins/${broken}.rc)
+        set_target_properties(${broken} PROPERTIES PREFIX "")
+    endforeach()
     add_library(unversioned MODULE stand_ins/module.cpp)
-    set_target_properties(versioned_lying unversioned PROPERTIES PREFIX "")
+    set_target_properties(unversioned PROPERTIES PREFIX "")
 
     # The product's access-protection module: a stand-in without a signature, and signed copies. They stay out of the
     # test program's folder, where the program would find them.
@@ -125,6 +128,7 @@ if(WIN32)
         telemetry/http/http_connection_test.cpp
         telemetry/request/certificate_test.cpp
         telemetry/request/http_request_test.cpp
+        telemetry/rest_telemetry_test.cpp
         telemetry/vri_rest_test.cpp)
     vantor_precompile(vantor_windows_tests <windows.h>)
     set_source_files_properties(support/recording_scheduler.cpp PROPERTIES SKIP_PRECOMPILE_HEADERS ON)
@@ -134,7 +138,7 @@ if(WIN32)
     endif()
     vantor_discover(vantor_windows_tests)
     add_dependencies(vantor_windows_tests signed_module exportless_module process_stand_in starter unversioned
-        versioned_none versioned_lying versioned_german
+        versioned_none versioned_lying versioned_short versioned_german
         versioned_german_english versioned_german_english_neutral)
     target_link_libraries(vantor_windows_tests PRIVATE vantor_windows winhttp crypt32 ole32 oleaut32 taskschd)
     target_compile_definitions(vantor_windows_tests PRIVATE

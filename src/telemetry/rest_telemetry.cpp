@@ -22,6 +22,7 @@
 #include <optional>
 #include <string>
 #include <type_traits>
+#include <utility>
 
 namespace vantor {
 namespace {
@@ -128,12 +129,14 @@ HttpConnectionSettings MakeSettings(const VRIREST& payload, const RunConfig& con
 }
 
 /// The connection to the service; null when it cannot be made, which is logged.
-std::unique_ptr<HttpConnection> Connect(const VRIREST& payload, const RunConfig& config)
+std::unique_ptr<HttpConnection> Connect(const VRIREST& payload, const RunConfig& config, std::shared_ptr<IHTTP> http)
 {
     try {
         const auto logger = VantorLogging::GetLogger().IsActive() ? std::make_shared<LoggerImpl>() : nullptr;
-        const auto http = std::make_shared<HttpImplementation>(logger);
-        return std::make_unique<HttpConnection>(MakeSettings(payload, config, logger), http, logger);
+        if (!http) {
+            http = std::make_shared<HttpImplementation>(logger);
+        }
+        return std::make_unique<HttpConnection>(MakeSettings(payload, config, logger), std::move(http), logger);
     } catch (const std::exception& error) {
         LogError(std::string(texts::kInitialiseFailed) + error.what());
     } catch (...) {
@@ -156,11 +159,11 @@ void LogOutcome(const HttpResponse& response)
 /// traces, where readers of the log look for their lines.
 class RESTTelemetry {
 public:
-    explicit RESTTelemetry(const RunConfig& config)
+    RESTTelemetry(const RunConfig& config, std::shared_ptr<IHTTP> http)
     {
         const ScopeTrace scope(texts::kRestTelemetryConstructor);
         m_payload.emplace();
-        m_connection = Connect(*m_payload, config);
+        m_connection = Connect(*m_payload, config, std::move(http));
         if (config.restTest) {
             m_payload->SetReadOnly();
         }
@@ -214,14 +217,14 @@ bool HasTransport()
 
 } // namespace
 
-void SendTelemetry(std::span<const std::uint8_t> report, const RunConfig& config)
+void SendTelemetry(std::span<const std::uint8_t> report, const RunConfig& config, std::shared_ptr<IHTTP> http)
 {
     const ScopeTrace scope(texts::kSendTelemetry);
     if (!HasTransport()) {
         return;
     }
     try {
-        RESTTelemetry(config).Send(report);
+        RESTTelemetry(config, std::move(http)).Send(report);
     } catch (const std::exception& error) { // such as no memory for a reply: the run goes on without its report
         LogError(texts::kSendTelemetryFailed + (std::string(": ") + error.what()));
     }

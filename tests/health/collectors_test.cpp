@@ -1,5 +1,6 @@
 #include "health/collectors.h"
 
+#include "support/log_capture.h"
 #include "support/scratch_registry.h"
 
 #include <gtest/gtest.h>
@@ -31,7 +32,14 @@ TEST(Collectors, TheRecordFollowsTheOptions)
         EXPECT_EQ(record.dat_minor, datMinor);
         EXPECT_EQ(record.bitfield_test_results.Word(), bits);
     }
-    EXPECT_EQ(DecodeReport(GetPreUpdateInfo({.hcmode = "predatupdate"})).record.dat_major, 0xFFFF);
+    const LogCapture log;
+    const ReportBytes report = GetPreUpdateInfo({.hcmode = "predatupdate"});
+    EXPECT_EQ(DecodeReport(report).record.dat_major, 0xFFFF);
+    std::string block = "TRACE: buffer: { ";
+    for (std::size_t index = HealthRecord::kWireSize + 2; index < report.size(); ++index) {
+        block += {' ', static_cast<char>(report[index])};
+    }
+    EXPECT_TRUE(log.Has(block + '}'));
 
     registry.Set(L"SOFTWARE\\Vexora\\AVSolution\\VXSHIELDGLOBAL\\GLOBAL", L"vriuseipv6", DWORD{1});
     EXPECT_TRUE(DecodeReport(GetOSInfo({})).record.bitfield_test_results.Test(ResultBit::ipv6));

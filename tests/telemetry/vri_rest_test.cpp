@@ -1,5 +1,6 @@
 #include "telemetry/vri_rest.h"
 
+#include "support/log_capture.h"
 #include "support/scratch_registry.h"
 
 #include <gtest/gtest.h>
@@ -21,6 +22,16 @@ TEST(VriRest, ReportsAreBase64)
 TEST(VriRest, EveryRequestHasAnIdOfItsOwn)
 {
     EXPECT_NE(VRIREST().CreateCiSection(), VRIREST().CreateCiSection());
+}
+
+TEST(VriRest, WithoutARandomProviderTheIdIsZero)
+{
+    const ScratchRegistry registry; // names no provider
+    const LogCapture log;
+    EXPECT_NE(VRIREST().CreateCiSection().find(R"("rid":0,)"), std::string::npos);
+    EXPECT_TRUE(std::ranges::any_of(log.Lines(), [](const std::string& line) {
+        return line.starts_with("ERROR: GetRandomNextId, Query failed. WinHTTP error: ");
+    }));
 }
 
 TEST(VriRest, IdentifiersComeFromTheRegistry)

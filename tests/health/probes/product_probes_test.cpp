@@ -113,6 +113,27 @@ TEST(ProductProbes, SettingsThatBecomeBits)
     }
 }
 
+TEST(ProductProbes, TheReputationClientIsLookedForInEachDirectoryThatIsSet)
+{
+    constexpr wchar_t kEndpoint[] = L"SOFTWARE\\Vexora\\Endpoint\\Common";
+    ScratchRegistry registry;
+    registry.Set(L"Software\\Vexora\\VSC", L"InstallDir", L"Q:\\4");
+    registry.Set(L"SOFTWARE\\Vexora\\VxeAV", L"InstallDir", L"Q:\\3");
+    registry.Set(kEndpoint, L"szInstallDir64", L"");
+    std::vector<std::string> expected;
+    for (const char directory : {'3', '4', '1', '2', '3', '4'}) {
+        const std::string path = std::string("Q:\\") + directory + "\\ReputationCommunicator.dll";
+        expected.push_back("TRACE: Path in registry location " + path);
+    }
+    const LogCapture log;
+    HealthRecord record;
+    ReadRepCommunicatorVersion(record);
+    registry.Set(kEndpoint, L"szInstallDir64", L"Q:\\2");
+    registry.Set(kEndpoint, L"szInstallDir32", L"Q:\\1");
+    ReadRepCommunicatorVersion(record);
+    EXPECT_EQ(log.Lines(), expected);
+}
+
 TEST(TextProbes, EachReadableValueIsAnItem)
 {
     const std::wstring adapters = L"SYSTEM\\ControlSet001\\Control\\Class\\{4d36e968-e325-11ce-bfc1-08002be10318}\\";

@@ -134,9 +134,11 @@ TEST(QualityCompat, TheValueIsThereAndZeroAfterwards)
         "4:0";
     EnsureQualityCompat();
     EXPECT_EQ(registry.Snapshot(), expected);
-    registry.Set(kQuality, kQualityValue, L"1 as a text");
-    EnsureQualityCompat();
-    EXPECT_EQ(registry.Snapshot(), expected);
+    for (const DWORD type : {REG_SZ, REG_BINARY}) { // of four zero bytes
+        registry.Set(kQuality, kQualityValue, type, std::vector<BYTE>(4));
+        EnsureQualityCompat();
+        EXPECT_EQ(registry.Snapshot(), expected);
+    }
 }
 
 } // namespace

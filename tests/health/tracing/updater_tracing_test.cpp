@@ -72,6 +72,13 @@ public:
     TraceFolder folder{path.wstring() + L"\\"};
 };
 
+std::wstring NameForNow()
+{
+    SYSTEMTIME now{};
+    ::GetLocalTime(&now);
+    return TraceFileName(now);
+}
+
 const TraceProviders kProviders = {{4, {1, 0, 0, {}}}, {5, {2, 0, 0, {}}}};
 
 /// A number in the block that Windows is given.
@@ -136,7 +143,11 @@ TEST(UpdaterTracing, StartsOrReusesASessionAndEnablesWhatIsNotRegistered)
         tracing.enableError = row.enable;
         ScratchFolder scratch;
         LogCapture log;
+        const std::wstring before = NameForNow();
         EXPECT_EQ(StartLogging(kProviders, tracing, scratch.folder), row.result);
+        const std::wstring file = tracing.trace.logFileName, folder = scratch.path.wstring() + L"\\";
+        EXPECT_TRUE(folder + before <= file && file <= folder + NameForNow());
+        EXPECT_EQ(std::filesystem::exists(file), row.start == 0);
         EXPECT_EQ(scratch.Count(), row.start == 0 ? 1 : 0); // a session's own file
         EXPECT_EQ(tracing.enabled, row.enabled);
         EXPECT_TRUE(log.Has(row.line));

@@ -1,7 +1,7 @@
 #include "run/product/file_version_info.h"
 #include "platform/program.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <filesystem>
 
@@ -51,6 +51,12 @@ TEST(FileVersionInfo, FailsWithWindowsErrorAndLeavesTheResultAlone)
         EXPECT_EQ(info, untouched);
         EXPECT_EQ(ReadFileVersion(path), std::nullopt);
     }
+}
+
+TEST(FileVersionInfo, AFixedPartThatIsBrokenIsNamed)
+{
+    EXPECT_THAT([] { ReadFileVersion(Module(L"versioned_short")); },
+                testing::ThrowsMessage<std::runtime_error>("Failed to get file info, unexpected size"));
 }
 
 } // namespace
