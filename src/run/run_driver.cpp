@@ -26,27 +26,6 @@ void SleepFor(std::chrono::milliseconds duration)
     ::Sleep(static_cast<DWORD>(duration.count()));
 }
 
-void StartTracing(IEventTracing& tracing, TraceFolder& folder)
-{
-    TraceProviders providers;
-    if (const DWORD error = populateGUID(providers); error != ERROR_SUCCESS) {
-        LogError(texts::kPopulateGuidFailed + std::to_string(error));
-    } else if (const DWORD started = StartLogging(providers, tracing, folder); started != ERROR_SUCCESS) {
-        LogError(texts::kStartLoggingFailed + std::to_string(started));
-    } else {
-        LogTrace(texts::kStartingEtlTracing);
-    }
-}
-
-void StopTracing(IEventTracing& tracing, const TraceFolder& folder)
-{
-    if (const DWORD error = StopLogging(tracing, folder); error != ERROR_SUCCESS) {
-        LogError(texts::kStopLoggingFailed + std::to_string(error));
-    } else {
-        LogTrace(texts::kStoppingEtlTracing);
-    }
-}
-
 /// Starts or stops the updater's trace where the run is one before or after an update.
 void Trace(const RunConfig& config)
 {

@@ -109,23 +109,55 @@ TEST(Repairs, BeforeAndAfter)
 
 TEST(Repairs, TheProductIsAskedForAccessBeforeEachAndLetGoAfterIt)
 {
-    const fs::path folder = ScratchFolder();
+    const fs::path folder = ScratchFolder(), record = folder / "record.txt";
     fs::copy_file(WindowsTree("tests/modules/signed/vxeaaca.dll"), folder / "vxeaaca.dll");
-    SetRegistry(kBrokenMachine + ("[HKEY_LOCAL_MACHINE\\SOFTWARE\\Vexora\\Endpoint\\Common]\n\"szInstallDir64\"=\"" +
-                                  Escaped(WindowsPath(folder)) + "\"\n"));
-    const fs::path record = folder / "record.txt";
-    const Outcome outcome = RunProgram({"/hcmode=periodic"}, {"VXEAACA_RECORD=" + WindowsPath(record)});
-    EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_FALSE(outcome.Logged("TRACE: " + kFailed));
-
-    const std::string each = "Create AddPolicy AddRule AddRule RemovePolicy Release "; // for each repair
+    const auto directory = [](const char* value, const fs::path& path) {
+        return '"' + std::string(value) + "\"=\"" + Escaped(WindowsPath(path)) + "\"\n";
+    };
+    const std::string machine =
+        kBrokenMachine +
+        ("[HKEY_LOCAL_MACHINE\\SOFTWARE\\Vexora\\Endpoint\\Common]\n" + directory("szInstallDir64", folder)) +
+        directory("szInstallDir32", WindowsTree("tests/modules/exportless")); // comes second
+    const std::string service = "Access requested for HKLM\\System\\CurrentControlSet\\Services\\vxedisk";
+    const struct {
+        std::string refused;
+        std::string line; ///< logged of it
+        unsigned bits;    ///< 19 to 22 of the pulse
+    } kCases[] = {
+        {"MatchRegistryKey", "TRACE: Failed on call GetRegistryKeyAccessToProcess().  " + service, 5},
+        {"MatchRegistryValue", "TRACE: Failed on call GetRegistryValueAccessToProcess(). " + service + "\\**", 5},
+        {"MatchFilePath",
+         "TRACE: StopLogging: Failed on call AllowFilePathAccessToProcess().  Access requested for "
+         "path:C:\\ProgramData\\Vexora\\Agent\\Logs\\*",
+         5},
+        {"key", "TRACE: GetvxediskStartValue: 4294967295", 15}, // neither value can be written
+        {"", "TRACE: GetvxediskStartValue: 4", 5},
+    };
+    LocalReceiver receiver;
+    for (const auto& row : kCases) {
+        SCOPED_TRACE(row.refused);
+        SetRegistry(machine);
+        fs::remove(record);
+        receiver.Forget();
+        const Outcome outcome = RunProgram({"/hcmode=postdatupdate", "/datupdatestatus=0"},
+                                           {"VXEAACA_RECORD=" + WindowsPath(record), "VXEAACA_REFUSE=" + row.refused});
+        EXPECT_EQ(outcome.exitCode, 0);
+        EXPECT_FALSE(outcome.Logged("TRACE: " + kFailed));
+        EXPECT_TRUE(outcome.Logged(row.line));
+        ASSERT_EQ(receiver.Pulses().size(), 1u);
+        EXPECT_EQ(receiver.Pulses()[0].pulse.report.record.bitfield_test_results.Word() >> 19 & 15, row.bits);
+    }
+    // For each repair an exclusion of its own, which ends behind the change; then one for the trace.
+    const std::string begin = "Create AddPolicy AddRule ";
     std::string seen;
     for (const std::string& call : ReadLines(record)) {
         const std::string name = call.substr(0, call.find(' ')) + ' ';
-        seen += (' ' + each).find(' ' + name) != each.npos ? name : "";
+        const std::string state = call.substr(call.find('}') + 1); // of the driver, when its exclusion ends
+        const bool isTold = (' ' + begin + "RemovePolicy Release ").find(' ' + name) != begin.npos;
+        seen += !isTold ? "" : name == "RemovePolicy " ? name + state + ' ' : name;
     }
-    EXPECT_EQ(seen, each + each); // the first ended before the second
-    EXPECT_EQ(RegistryValue(kService, "Start"), "0x0");
+    EXPECT_EQ(seen, begin + "AddRule RemovePolicy  Start 4 Release " + begin +
+                        "AddRule RemovePolicy  Start 0 Release " + begin + "RemovePolicy  Start 0 Release ");
 }
 
 /// Runs the program as a child of the product's updater.
@@ -205,6 +237,9 @@ TEST_F(TracesTest, TheOldestGoUntilNineAreLeft)
     EXPECT_EQ(Count(), 11);
     EXPECT_TRUE(fs::exists(Trace(8)) && fs::exists(m_folder / "a.log"));
     EXPECT_TRUE(outcome.Logged("TRACE: ShouldStartETLTracing: " + kFailed));
+    fs::remove_all(m_folder);
+    EXPECT_TRUE(
+        RunUnderUpdater({"/hcmode=predatupdate"}).log.back().starts_with("ERROR: Error: StartLogging FAILED!!: "));
 }
 
 } // namespace

@@ -1,11 +1,11 @@
-// many_runs COUNT APARTMENT OPTION...: runs the program so often in this one process. Prints the next free handle and how
-// many KiB of memory it has after each run. Ends with what comes of initialising COM then; with APARTMENT it does so before, too.
+// many_runs COUNT APARTMENT OPTION...: runs the program so often in this one process. Prints the next free handle after
+// each run, then whether a DLL beside this program is found. Ends with what comes of initialising COM then; with
+// APARTMENT it does so before, too.
 #include "run/run_driver.h"
 
 #include <windows.h>
 
 #include <objbase.h>
-#include <psapi.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -19,9 +19,8 @@ int main(int argc, char** argv)
         vantor::RunPulse(argc - 2, argv + 2);
         const HANDLE next = ::CreateEventW(nullptr, FALSE, FALSE, nullptr); // Wine does not count them
         ::CloseHandle(next);
-        PROCESS_MEMORY_COUNTERS memory{};
-        ::GetProcessMemoryInfo(::GetCurrentProcess(), &memory, sizeof(memory));
-        std::printf("%lu %lu ", ::HandleToULong(next) / 4, static_cast<unsigned long>(memory.WorkingSetSize / 1024));
+        std::printf("%lu ", ::HandleToULong(next) / 4);
     }
+    std::puts(::LoadLibraryW(L"versioned_german.dll") ? "found" : "not found");
     return ::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
 }

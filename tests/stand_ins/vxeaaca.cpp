@@ -2,7 +2,8 @@
 // was asked. Environment variables rule it, read at every call:
 //   VXEAACA_RECORD     the file that gets a line for every call, with its arguments
 //   VXEAACA_VERSIONS   the interface names it supports, parted by blanks; all when it is not set
-//   VXEAACA_REFUSE     the operation that fails with error 5 or, with ":null" behind it, that hands out nothing
+//   VXEAACA_REFUSE     the operation that fails with error 5 or, with ":null" behind it, that hands out nothing; "key": as
+//                      soon as access is asked for, the key of the product's filter driver is gone
 #include "health/protection/aac_control.h"
 
 #include <objbase.h>
@@ -60,6 +61,19 @@ DWORD Called(const std::wstring& operation, const std::wstring& arguments = L"")
     return Setting(L"VXEAACA_REFUSE") == operation ? ERROR_ACCESS_DENIED : ERROR_SUCCESS;
 }
 
+constexpr wchar_t kDriver[] = L"System\\CurrentControlSet\\Services\\vxedisk";
+
+/// The filter driver's values that the program repairs, as they are now.
+std::wstring DriverState()
+{
+    DWORD start = 0, size = sizeof(start);
+    const bool hasStart =
+        ::RegGetValueW(HKEY_LOCAL_MACHINE, kDriver, L"Start", RRF_RT_DWORD, nullptr, &start, &size) == 0;
+    const bool hasFlag =
+        ::RegGetValueW(HKEY_LOCAL_MACHINE, kDriver, L"DeleteFlag", RRF_RT_ANY, nullptr, nullptr, nullptr) == 0;
+    return (hasStart ? L" Start " + std::to_wstring(start) : L"") + (hasFlag ? L" DeleteFlag" : L"");
+}
+
 template <typename Handed>
 DWORD HandOut(std::type_identity_t<Handed>* handed, Handed** to, const std::wstring& operation,
               const std::wstring& arguments = L"")
@@ -87,12 +101,18 @@ public:
     {
         return HandOut(this, to, L"GetMatchObjectBuilder");
     }
-    DWORD AddPolicy(IAacPolicy* policy) override { return Called(L"AddPolicy", Text(policy)); }
+    DWORD AddPolicy(IAacPolicy* policy) override
+    {
+        if (Setting(L"VXEAACA_REFUSE") == L"key") {
+            ::RegDeleteKeyW(HKEY_LOCAL_MACHINE, kDriver);
+        }
+        return Called(L"AddPolicy", Text(policy));
+    }
     DWORD AddRule(IAacPolicy* policy, IAacRule* rule) override
     {
         return Called(L"AddRule", Text(policy) + L' ' + Text(rule));
     }
-    DWORD RemovePolicy(IAacPolicy* policy) override { return Called(L"RemovePolicy", Text(policy)); }
+    DWORD RemovePolicy(IAacPolicy* policy) override { return Called(L"RemovePolicy", Text(policy) + DriverState()); }
     void Release() override { Called(L"Release"); } // static, so that a call after this one is recorded, too
 
     DWORD BuildPolicy(const GUID& id, IAacPolicy** to) override { return Make(to, L"BuildPolicy", Text(id)); }

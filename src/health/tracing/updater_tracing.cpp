@@ -216,4 +216,25 @@ DWORD StopLogging(IEventTracing& tracing, const TraceFolder& folder)
     return error;
 }
 
+void StartTracing(IEventTracing& tracing, TraceFolder& folder)
+{
+    TraceProviders providers;
+    if (const DWORD error = populateGUID(providers); error != ERROR_SUCCESS) {
+        LogError(texts::kPopulateGuidFailed + std::to_string(error));
+    } else if (const DWORD started = StartLogging(providers, tracing, folder); started != ERROR_SUCCESS) {
+        LogError(texts::kStartLoggingFailed + std::to_string(started));
+    } else {
+        LogTrace(texts::kStartingEtlTracing);
+    }
+}
+
+void StopTracing(IEventTracing& tracing, const TraceFolder& folder)
+{
+    if (const DWORD error = StopLogging(tracing, folder); error != ERROR_SUCCESS) {
+        LogError(texts::kStopLoggingFailed + std::to_string(error));
+    } else {
+        LogTrace(texts::kStoppingEtlTracing);
+    }
+}
+
 } // namespace vantor

@@ -36,4 +36,8 @@ DWORD StartLogging(const TraceProviders& providers, IEventTracing& tracing, Trac
 /// Stops the session. Returns 0 or a Windows error code, also when none runs.
 DWORD StopLogging(IEventTracing& tracing, const TraceFolder& folder);
 
+/// StartLogging with the providers of this build, or StopLogging. Logs how it went; a failure does not end the run.
+void StartTracing(IEventTracing& tracing, TraceFolder& folder);
+void StopTracing(IEventTracing& tracing, const TraceFolder& folder);
+
 } // namespace vantor

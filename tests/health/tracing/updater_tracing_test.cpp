@@ -214,19 +214,30 @@ TEST(UpdaterTracing, KeepsToItsFolderAndNamesTheTraceThatCannotGo)
     EXPECT_EQ(scratch.folder.List().size(), 9u);
 }
 
-TEST(UpdaterTracing, StoppingSaysHowItWent)
+TEST(UpdaterTracing, StartingAndStoppingSayHowTheyWent)
 {
-    const std::pair<ULONG, const char*> kCases[] = {
-        {0, "TRACE: Stopped logging"},
-        {4201, "TRACE: Cannot stop as no running instance exist with logger name:scupdateLogger"},
-        {5, "ERROR: Errors/warnings during stop logging request Error:5"},
+    const struct {
+        ULONG error;
+        std::string start, stop, stopped;
+    } kCases[] = {
+        {0, "TRACE: Starting etl tracing...", "TRACE: Stopped logging", "TRACE: Stopping etl tracing..."},
+        {4201, "ERROR: Error: StartLogging FAILED!!: 4201",
+         "TRACE: Cannot stop as no running instance exist with logger name:scupdateLogger",
+         "ERROR: Error: StopLogging FAILED!!: 4201"},
+        {5, "ERROR: Error: StartLogging FAILED!!: 5", "ERROR: Errors/warnings during stop logging request Error:5",
+         "ERROR: Error: StopLogging FAILED!!: 5"},
     };
-    for (const auto& [error, line] : kCases) {
+    for (const auto& [error, start, stop, stopped] : kCases) {
         ScriptedTracing tracing;
-        tracing.stopError = error;
-        LogCapture log;
-        EXPECT_EQ(StopLogging(tracing, TraceFolder(L"C:\\")), error);
-        EXPECT_TRUE(log.Has(line)) << line;
+        tracing.startError = tracing.stopError = error;
+        ScratchFolder scratch;
+        const LogCapture log;
+        StartTracing(tracing, scratch.folder);
+        EXPECT_EQ(log.Lines().back(), start);
+        tracing.trace = {};
+        StopTracing(tracing, scratch.folder);
+        EXPECT_TRUE(log.Has(stop));
+        EXPECT_EQ(log.Lines().back(), stopped);
         EXPECT_EQ(tracing.trace.properties.Wnode.BufferSize, 4224u);
     }
 }
