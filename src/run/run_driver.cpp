@@ -9,12 +9,14 @@
 #include "run/log/logging.h"
 #include "run/log/vantor_logging.h"
 #include "run/options/get_config.h"
+#include "run/options/usage.h"
 #include "run/post_update_delay.h"
 #include "run/task/scheduling.h"
 #include "telemetry/rest_telemetry.h"
 
 #include <windows.h>
 
+#include <cstddef>
 #include <exception>
 #include <string>
 
@@ -70,6 +72,10 @@ void RunStages(VantorLogging& logging, int argc, const char* const* argv)
 
 int RunPulse(int argc, const char* const* argv)
 {
+    if (AsksForUsage({argv, static_cast<std::size_t>(argc)})) {
+        WriteToStandard(STD_OUTPUT_HANDLE, UsageText());
+        return 0;
+    }
     RestrictDllSearchPath();
     SetProcessDefences();
     VantorLogging logging;

@@ -1,7 +1,7 @@
 #define CINTERFACE // an interface is a table of functions; only those are written that the program calls
 #include "support/recording_scheduler.h"
 
-#include "platform/text.h"
+#include "platform/text/encoding.h"
 
 #include <taskschd.h>
 

@@ -2,7 +2,7 @@
 
 #include "platform/program.h"
 #include "platform/system_time.h"
-#include "platform/text.h"
+#include "platform/text/encoding.h"
 #include "support/log_capture.h"
 #include "support/recording_scheduler.h"
 

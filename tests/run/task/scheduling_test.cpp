@@ -1,6 +1,6 @@
 #include "run/task/scheduling.h"
 
-#include "platform/text.h"
+#include "platform/text/encoding.h"
 #include "run/options/option_error.h"
 #include "run/task/task_description.h"
 #include "support/log_capture.h"
