@@ -28,7 +28,7 @@ step() {
     local log=$build/logs/$1.log text=$2 hint=$3 begun status=0 tenths
     shift 3
     mkdir -p "$build/logs"
-    printf '%-52s ' "$text ..."
+    printf '%-60s ' "$text ..."
     begun=$(microseconds)
     "$@" </dev/null >"$log" 2>&1 9>&- || status=$?
     tenths=$((($(microseconds) - begun) / 100000))
