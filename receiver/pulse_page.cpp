@@ -8,6 +8,7 @@
 #include "receiver/pulse_page_style.h"
 
 #include <algorithm>
+#include <cctype>
 #include <iterator>
 #include <map>
 #include <sstream>
@@ -48,6 +49,22 @@ std::string Html(std::string_view text)
     return html;
 }
 
+/// Text within the query of an address.
+std::string Encoded(std::string_view text)
+{
+    constexpr char kDigits[] = "0123456789ABCDEF";
+    std::string encoded;
+    for (const char character : text) {
+        const auto byte = static_cast<unsigned char>(character);
+        if (std::isalnum(byte) != 0 || byte == '-') {
+            encoded += character;
+        } else {
+            encoded += {'%', kDigits[byte >> 4], kDigits[byte & 15]};
+        }
+    }
+    return encoded;
+}
+
 std::string ClientText(const DatedPulse& pulse, const char* key)
 {
     const auto member = pulse.pulse.client.find(key);
@@ -83,17 +100,18 @@ public:
     std::string Write(const std::vector<DatedPulse>& pulses, const PageFilter& filter)
     {
         const std::vector<Entry> entries = Select(pulses, filter);
+        m_filter = &filter;
         m_html << "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
                   "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
                   "<title>Safety pulses</title>\n<style>"
-               << kPageStyle << "</style>\n</head>\n<body>\n<h1>Safety pulses</h1>\n";
+               << kPageStyle << "</style>\n</head>\n<body>\n<main>\n<h1>Safety pulses</h1>\n";
         WriteForm(filter);
         const std::size_t shown = std::min(entries.size(), kMaxShown);
         m_html
-            << "<p class=\"soft\">" << shown << " of " << pulses.size() << " pulses, the latest first. "
+            << "<p class=\"soft\" role=\"status\">" << shown << " of " << pulses.size() << " pulses, the latest first. "
             << "<span class=\"changed\">&nbsp;Marked&nbsp;</span> is what changed since the host's last pulse.</p>\n";
         std::for_each_n(entries.rbegin(), shown, [this](const Entry& entry) { WriteEntry(entry); });
-        m_html << (shown == 0 ? "<p>There is no such pulse.</p>\n" : "") << "</body>\n</html>\n";
+        m_html << (shown == 0 ? "<p>There is no such pulse.</p>\n" : "") << "</main>\n</body>\n</html>\n";
         return m_html.str();
     }
 
@@ -110,7 +128,8 @@ private:
             const std::string host = HostOf(pulse);
             const DatedPulse*& before = latest[host];
             const HealthRecord& record = pulse.pulse.report.record;
-            if ((!isMode || inspect::ModeText(record.mode) == filter.mode) &&
+            if ((filter.host.empty() || ClientText(pulse, "cliid") == filter.host) &&
+                (!isMode || inspect::ModeText(record.mode) == filter.mode) &&
                 (bit == names.end() || record.bitfield_test_results.Test(bit->bit))) {
                 entries.push_back({&pulse, before});
             }
@@ -126,8 +145,8 @@ private:
 
     void WriteForm(const PageFilter& filter)
     {
-        m_html
-            << "<form method=\"get\" action=\"/\">\n<label>Mode <select name=\"mode\"><option value=\"\">any</option>";
+        m_html << "<form method=\"get\" action=\"/\" aria-label=\"Which pulses\">\n"
+                  "<label>Mode <select name=\"mode\"><option value=\"\">any</option>";
         for (const auto& one : kModeNames) {
             WriteOption(one.name, filter.mode);
         }
@@ -135,7 +154,10 @@ private:
         for (const ResultBitName& name : ResultBitNames()) {
             WriteOption(name.key, filter.bit);
         }
-        m_html << "</select></label>\n<button>Filter</button> <a href=\"/\">Show all</a>\n</form>\n";
+        m_html
+            << "</select></label>\n<label>Host's client id <input name=\"host\" placeholder=\"any\" spellcheck=\"false\" "
+               "autocomplete=\"off\" value=\""
+            << Html(filter.host) << "\"></label>\n<button>Filter</button> <a href=\"/\">Show all</a>\n</form>\n";
     }
 
     void WriteEntry(const Entry& entry)
@@ -144,9 +166,17 @@ private:
         const PulseDifference difference =
             entry.before == nullptr ? PulseDifference() : inspect::Compare(entry.before->pulse, entry.pulse->pulse);
         const std::string host = ClientText(*entry.pulse, "cliid");
+        const std::string customer = ClientText(*entry.pulse, "cid");
         m_html << "<article>\n<h2>" << TimeOf(*entry.pulse) << " &middot; " << inspect::ModeText(record.mode)
-               << "</h2>\n<p>Host " << (host.empty() ? "without a client id" : Html(host)) << ", customer "
-               << Html(ClientText(*entry.pulse, "cid")) << ", " << Html(ClientText(*entry.pulse, "prn")) << "</p>\n";
+               << "</h2>\n<p>Host ";
+        if (host.empty()) {
+            m_html << "without a client id";
+        } else {
+            m_html << "<a href=\"/?mode=" << Encoded(m_filter->mode) << "&amp;bit=" << Encoded(m_filter->bit)
+                   << "&amp;host=" << Encoded(host) << "\" title=\"this host's pulses alone\">" << Html(host) << "</a>";
+        }
+        m_html << (customer.empty() ? ", no customer id" : ", customer ") << Html(customer) << ", "
+               << Html(ClientText(*entry.pulse, "prn")) << "</p>\n";
         WriteVersions(record);
         m_html << "<p class=\"soft\">"
                << (host.empty()              ? "It is compared with no other."
@@ -190,7 +220,7 @@ private:
         if (difference.client.empty() && difference.record.empty()) {
             return;
         }
-        m_html << "<ul>";
+        m_html << "<ul aria-label=\"Changes\">";
         for (const auto* changes : {&difference.client, &difference.record}) {
             for (const auto& [name, before, after] : *changes) {
                 m_html << "<li class=\"changed\">" << Html(name) << ' ' << Html(before) << " &rarr; " << Html(after)
@@ -241,8 +271,8 @@ private:
                   const std::vector<Change>& changes)
     {
         const Change* const change = FindChange(changes, name);
-        m_html << (change == nullptr ? "<tr><th>" : "<tr class=\"changed\"><th>") << Html(name) << "</th><td>"
-               << Html(value);
+        m_html << (change == nullptr ? "<tr>" : "<tr class=\"changed\">") << "<th scope=\"row\">" << Html(name)
+               << "</th><td>" << Html(value);
         if (change != nullptr) {
             m_html << " <span class=\"was\">was " << Html(change->before) << "</span>";
         }
@@ -252,8 +282,8 @@ private:
     void WriteFields(const HealthRecord& record, const nlohmann::ordered_json& client,
                      const PulseDifference& difference)
     {
-        m_html << "<details><summary>All fields</summary>\n<table><thead><tr><th>Field</th><th>Value</th>"
-                  "<th>Meaning</th></tr></thead><tbody>\n";
+        m_html << "<details><summary>All fields</summary>\n<table><thead><tr><th scope=\"col\">Field</th>"
+                  "<th scope=\"col\">Value</th><th scope=\"col\">Meaning</th></tr></thead><tbody>\n";
         for (const auto& [key, value] : client.items()) {
             WriteRow(key, value.is_string() ? value.get<std::string>() : value.dump(), "client", difference.client);
         }
@@ -269,6 +299,7 @@ private:
     }
 
     std::ostringstream m_html;
+    const PageFilter* m_filter = nullptr; ///< while Write runs
 };
 
 } // namespace

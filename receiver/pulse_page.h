@@ -12,6 +12,7 @@ namespace vantor::receiver {
 struct PageFilter {
     std::string mode; ///< such as "periodic"
     std::string bit;  ///< the name of a result bit that must be set
+    std::string host; ///< the client id of the host that sent it
 };
 
 /// The maximum number of pulses on the page.
@@ -23,7 +24,8 @@ inline constexpr char kPagePolicy[] =
 
 /// A whole HTML document: the pulses that pass the filter, the latest first, each with what changed since the previous
 /// pulse of the same host. `pulses` is in order of arrival. The page needs no script, and shows whatever came in a pulse
-/// as ASCII text only. "cid" and "cliid" identify a host; a pulse without "cliid" is not compared.
+/// as ASCII text only. "cid" and "cliid" identify a host; a pulse without "cliid" is not compared. The filter stands in the
+/// page's address, and in those of its links.
 std::string PulsePage(const std::vector<inspect::DatedPulse>& pulses, const PageFilter& filter);
 
 } // namespace vantor::receiver

@@ -16,12 +16,15 @@ h1 { margin: 0; font-size: 1.4rem; }
 h2 { margin: 0; font-size: 1.05rem; }
 p { margin: .3rem 0; }
 form { display: flex; flex-wrap: wrap; gap: .6rem; align-items: end; margin: .8rem 0 1rem; }
-label { display: grid; font-size: .85rem; color: var(--soft); }
-select, button { font: inherit; padding: .4rem .6rem; border: 1px solid var(--line); border-radius: .4rem;
+label { display: grid; font-size: .85rem; color: var(--soft); min-width: 0; }
+select, input { max-width: 100%; }
+input { width: 19rem; }
+:focus-visible { outline: 3px solid var(--accent); outline-offset: 2px; }
+select, input, button { font: inherit; height: 2.4rem; padding: .3rem .6rem; border: 1px solid var(--line); border-radius: .4rem;
   background: var(--card); color: var(--ink); }
 button { background: var(--accent); border-color: var(--accent); color: var(--card); font-weight: 600; }
 a { color: var(--accent); }
-form a { padding: .45rem .3rem; }
+form a { padding: .5rem .3rem; }
 article { margin: 0 0 1rem; padding: .8rem 1rem; background: var(--card); border: 1px solid var(--line);
   border-radius: .6rem; overflow-wrap: anywhere; }
 .soft, .was { color: var(--soft); font-size: .9rem; }

@@ -303,7 +303,8 @@ void Receiver::Answer(const httplib::Request& request, httplib::Response& respon
 void Receiver::AnswerPage(const httplib::Request& request, httplib::Response& response)
 {
     requestSeen = true;
-    const PageFilter filter{request.get_param_value("mode"), request.get_param_value("bit")};
+    const PageFilter filter{request.get_param_value("mode"), request.get_param_value("bit"),
+                            request.get_param_value("host")};
     response.set_content(PulsePage(Pulses(), filter), "text/html; charset=utf-8");
     response.set_header("Content-Security-Policy", kPagePolicy);
     response.set_header("X-Content-Type-Options", "nosniff");

@@ -52,8 +52,8 @@ public:
 
 /// Answers on https://localhost, over IPv4: POST /1 with 200 for a well-formed pulse and 400 with the reason for
 /// another; another verb there with 405, another path with 404, a body without a length with 411, one over 64 KiB with
-/// 413 and a compressed or multipart one with 415; GET / with a page of the pulses, filtered by the queries "mode" and
-/// "bit" (such requests are not kept). The transport is cpp-httplib's. Every operation but Start, Stop and SetCallbacks
+/// 413 and a compressed or multipart one with 415; GET / with a page of the pulses, filtered by the queries "mode", "bit"
+/// and "host" (such requests are not kept). The transport is cpp-httplib's. Every operation but Start, Stop and SetCallbacks
 /// may be called from any thread at any time.
 class Receiver {
 public:

@@ -31,15 +31,17 @@ TEST(PulsePage, MarksChangesEscapesAndFilters)
              "1970-01-01 00:01:00 UTC &middot; predatupdate",
              "title=\"the product prefers IPv6\"><s>ipv6</s> no longer<",
              "<li>B</li><li class=\"changed\">C new</li><li class=\"changed\"><s>A</s> no longer</li>",
-             "<tr class=\"changed\"><th>os_build</th><td>19046 <span class=\"was\">was 19045<",
+             "<tr class=\"changed\"><th scope=\"row\">os_build</th><td>19046 <span class=\"was\">was 19045<",
+             "<a href=\"/?mode=&amp;bit=&amp;host=h-1\"",
              "&quot;&gt;&lt;script&gt;document.title=&#39;x&#39;&lt;/script&gt;&amp;\\xE2\\x80\\xAE",
          }) {
         EXPECT_NE(page.find(text), std::string::npos) << text;
     }
     EXPECT_LT(page.find("UTC &middot; predatupdate"), page.find("time &middot; postdatupdate")); // the latest first
 
-    EXPECT_NE(PulsePage(Pulses(), {"\"<", "nobit"}).find("3 of 3 pulses"), std::string::npos);
-    EXPECT_NE(PulsePage(Pulses(), {"predatupdate", "ipv6"}).find("1 of 3 pulses"), std::string::npos);
+    EXPECT_NE(PulsePage(Pulses(), {"", "", "h-2"}).find("0 of 3 pulses"), std::string::npos);
+    EXPECT_NE(PulsePage(Pulses(), {"\"<", "nobit", ""}).find("3 of 3 pulses"), std::string::npos);
+    EXPECT_NE(PulsePage(Pulses(), {"predatupdate", "ipv6", "h-1"}).find("1 of 3 pulses"), std::string::npos);
 }
 
 TEST(PulsePage, FitsAPhoneAndNothingInAPulseBecomesMarkup)
@@ -52,14 +54,14 @@ TEST(PulsePage, FitsAPhoneAndNothingInAPulseBecomesMarkup)
     page = std::regex_replace(std::regex_replace(page, std::regex("&"), "&amp;"), std::regex("\""), "&quot;");
     const std::string place = testing::TempDir() + "pulse_page_" + std::to_string(::getpid());
     // A browser's own window would be wider.
-    std::ofstream(place + ".html") << "<iframe style='width: 390px; border: 0' srcdoc=\"" << page << "\"></iframe>";
+    std::ofstream(place + ".html") << "<iframe style='width: 360px; border: 0' srcdoc=\"" << page << "\"></iframe>";
     const std::string command = "timeout 60 chromium --headless=new --no-sandbox --disable-gpu --dump-dom "
                                 "--user-data-dir=" +
                                 place + " 'file://" + place + ".html' 2>/dev/null >" + place + ".shown.html";
     EXPECT_EQ(std::system(command.c_str()), 0) << command;
     std::ifstream document(place + ".shown.html");
     const std::string shown{std::istreambuf_iterator<char>(document), {}};
-    EXPECT_NE(shown.find("<title>Safety pulses,390,0,3,1</title>"), std::string::npos) << shown.substr(0, 200);
+    EXPECT_NE(shown.find("<title>Safety pulses,360,0,3,1</title>"), std::string::npos) << shown.substr(0, 200);
     for (const char* const file : {"", ".html", ".shown.html"}) {
         std::filesystem::remove_all(place + file);
     }
