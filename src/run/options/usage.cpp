@@ -28,8 +28,8 @@ The update
 
 The periodic task
   /periodicruncount=N     this is run N of the series, 0 to 7: register the
-                          next one; with options of the proxy, the log and
-                          /hcmode only
+                          next one; only with /hcmode, /test and options of
+                          the proxy and the log
   /continue               the series is over: register the next daily run
   /test                   a short series: N is 0 to 2, the delays are seconds
   /uninstall, /cleanstate only delete the task
@@ -54,8 +54,9 @@ Help
 A run without /periodicruncount and /continue deletes the periodic task, a run
 without any option too; only postdatupdate leaves it alone. Run it as SYSTEM
 or as an administrator. Names match in any case; a value with blanks takes
-quotes: "/logfile=C:\Program Files\Vexora\vantor.log". The exit code is 1 for
-a wrong command line, otherwise 0: the log tells what became of the run.
+quotes: "/logfile=C:\Program Files\Vexora\vantor.log". Exit codes: 1 for a
+wrong command line, 3 for a sudden end, otherwise 0 whatever became of the
+run, which its log tells.
 )";
 
 } // namespace
