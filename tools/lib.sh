@@ -91,11 +91,9 @@ package_sets=(
     "read the options of the tools|libcli11-dev"
     "cross-build the Windows program|g++-mingw-w64-x86-64-posix"
     "build the tests|googletest libgtest-dev libgmock-dev"
-    "sign the stand-in module|osslsigncode"
     "run the Windows program, TLS included|wine wine64 libgnutls30/libgnutls30t64"
-    "make the local certificates|openssl"
-    "give a run a network of its own|iproute2"
-    "know the name localhost on a minimal system|netbase"
+    "make the local certificates, and sign the stand-in module|openssl osslsigncode"
+    "give a run a network of its own, where localhost has its name|iproute2 netbase"
 )
 # What ./check needs beside that.
 check_package_sets=(
