@@ -1,6 +1,6 @@
 #include "run/options/usage.h"
 
-#include "platform/lower_case.h"
+#include "platform/text/lower_case.h"
 #include "vantor_version.h"
 
 #include <algorithm>
