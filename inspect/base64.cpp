@@ -1,9 +1,23 @@
 #include "inspect/base64.h"
 
+#include <array>
+#include <cstddef>
+
 namespace vantor::inspect {
 namespace {
 
 constexpr std::string_view kAlphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+constexpr std::uint8_t kForeign = 0xFF;
+
+/// The value of each byte as a character of the alphabet, or kForeign.
+constexpr std::array<std::uint8_t, 256> kValues = [] {
+    std::array<std::uint8_t, 256> values{};
+    values.fill(kForeign);
+    for (std::size_t value = 0; value < kAlphabet.size(); ++value) {
+        values[static_cast<std::uint8_t>(kAlphabet[value])] = static_cast<std::uint8_t>(value);
+    }
+    return values;
+}();
 
 } // namespace
 
@@ -20,11 +34,11 @@ std::optional<std::vector<std::uint8_t>> DecodeBase64(std::string_view text)
     std::uint32_t pending = 0;
     unsigned pendingBits = 0;
     for (const char character : text) {
-        const std::size_t value = kAlphabet.find(character);
-        if (value == std::string_view::npos) {
+        const std::uint8_t value = kValues[static_cast<std::uint8_t>(character)];
+        if (value == kForeign) {
             return std::nullopt;
         }
-        pending = pending << 6 | static_cast<std::uint32_t>(value);
+        pending = pending << 6 | value;
         pendingBits += 6;
         if (pendingBits >= 8) {
             pendingBits -= 8;

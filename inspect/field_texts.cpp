@@ -55,7 +55,7 @@ std::string AsCounter(std::uint64_t value, const HealthRecord& record)
 
 std::string AsMachine(std::uint64_t value, const HealthRecord& /*record*/)
 {
-    return value == 0x014C ? "x86" : value == 0x8664 ? "AMD64" : value == 0xAA64 ? "ARM64" : "";
+    return std::string(MachineText(value));
 }
 
 struct KnownField {
@@ -139,6 +139,11 @@ bool IsEngineUnknown(const HealthRecord& record)
 {
     return record.vxcore_major == 0xFF && record.vxcore_minor == 0xFF && record.vxcore_patch == 0xFF &&
            record.vxcore_build == 0xFFFF && record.vxcore_pkg == 0xFF;
+}
+
+std::string_view MachineText(std::uint64_t arch)
+{
+    return arch == 0x014C ? "x86" : arch == 0x8664 ? "AMD64" : arch == 0xAA64 ? "ARM64" : "";
 }
 
 std::string_view ModeText(Mode mode)

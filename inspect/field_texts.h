@@ -3,6 +3,7 @@
 
 #include "health/record/health_record.h"
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -10,6 +11,9 @@ namespace vantor::inspect {
 
 /// The name of a mode byte: "predatupdate", "postdatupdate", "periodic" or "no known mode".
 std::string_view ModeText(Mode mode);
+
+/// The name of a native machine type, such as "AMD64"; empty for one without a name.
+std::string_view MachineText(std::uint64_t arch);
 
 /// Whether the engine's version could not be read: all its parts are at their highest value then.
 bool IsEngineUnknown(const HealthRecord& record);

@@ -1,6 +1,7 @@
 #include "inspect/input.h"
 
 #include "inspect/printable_text.h"
+#include "inspect/shallow_json.h"
 
 #include <algorithm>
 #include <optional>
@@ -22,22 +23,6 @@ std::string_view Trimmed(std::string_view text)
 {
     const std::size_t begin = std::min(text.find_first_not_of(kBlanks), text.size());
     return text.substr(begin, text.find_last_not_of(kBlanks) + 1 - begin);
-}
-
-/// Parses what is not a pulse's body yet; no deeper than a receiver's lines go, for the parser's own stack is not
-/// endless.
-ordered_json ParseShallow(std::string_view text)
-{
-    constexpr int kDeepest = 4;
-    return ordered_json::parse(
-        text.begin(), text.end(),
-        [](int depth, ordered_json::parse_event_t, ordered_json&) {
-            if (depth > kDeepest) {
-                throw PulseError("the JSON is nested too deeply");
-            }
-            return true;
-        },
-        false);
 }
 
 /// A body or a receiver's line.

@@ -1,5 +1,6 @@
 #include "inspect/inspect_command.h"
 
+#include "inspect/fleet/fleet_command.h"
 #include "inspect/input.h"
 #include "inspect/printable_text.h"
 #include "inspect/pulse_difference.h"
@@ -36,6 +37,8 @@ malformed, cannot be read or is left out (standard error says what and where), 2
 
 struct Options {
     bool json = false;
+    bool fleet = false;
+    bool csv = false;
     bool difference = false;
     std::size_t last = kAll;
     std::vector<std::string> files = {std::string(kStandardInput)};
@@ -48,7 +51,8 @@ void Describe(CLI::App& app, Options& options)
     app.set_help_flag("--help", "show this text");
     app.set_version_flag("--version", "vantor-inspect " VANTOR_VERSION_TEXT, "show the version");
     app.allow_windows_style_options(false); // a path may begin with a slash
-    app.add_flag("--json", options.json, "one JSON object a line: a pulse, or a run with its time line and its pulse");
+    app.add_flag("--json", options.json,
+                 "one JSON object a line: a pulse, a run with its time line and its pulse, or a fleet's report");
     CLI::Option* const difference =
         app.add_flag("--diff", options.difference,
                      "the difference of the last two pulses of one FILE, or of the last pulses of two");
@@ -62,6 +66,13 @@ void Describe(CLI::App& app, Options& options)
             ""))
         ->take_last()
         ->excludes(difference);
+    CLI::Option* const fleet =
+        app.add_flag("--fleet", options.fleet,
+                     "what the pulses of many hosts say of each content version; a FILE holds the receiver's lines")
+            ->excludes("--diff", "--last");
+    app.add_flag("--csv", options.csv, "with --fleet: a flat line a pulse, for a database")
+        ->needs(fleet)
+        ->excludes("--json");
     app.add_option("FILE", options.files)->type_name("")->expected(-1);
 }
 
@@ -182,6 +193,11 @@ int RunInspect(const std::vector<std::string>& arguments, std::istream& input, s
         }
         errors << "vantor-inspect: " << PrintableText(error.what()) << " (--help lists the options)\n";
         return kExitWrongOptions;
+    }
+    if (options.fleet) {
+        using Output = fleet::FleetOptions::Output;
+        const Output kind = options.csv ? Output::csv : options.json ? Output::json : Output::text;
+        return fleet::RunFleet({kind, options.files, {}}, input, output, errors);
     }
     return Inspector(std::move(options), input, output, errors).Run();
 }

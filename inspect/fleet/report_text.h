@@ -1,0 +1,27 @@
+// The fleet's report for people and for programs.
+#pragma once
+
+#include "inspect/fleet/fleet_report.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace vantor::fleet {
+
+/// Lines for a terminal, each with its end, in ASCII.
+std::string ReportText(const FleetReport& report);
+
+/// One line without its end, in ASCII.
+std::string ReportJson(const FleetReport& report);
+
+/// What became of the lines and pulses that are not in the counts.
+struct LeftOut {
+    const char* key; ///< in JSON
+    const char* text;
+    std::uint64_t count = 0;
+    std::string first; ///< the first case, where it is kept
+};
+std::vector<LeftOut> LeftOutOf(const FleetReport& report);
+
+} // namespace vantor::fleet
