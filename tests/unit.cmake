@@ -16,12 +16,13 @@ target_compile_definitions(vantor_core_tests PRIVATE VANTOR_SOURCE_DIRECTORY="${
 # What vantor-inspect is made of is the same everywhere, so these tests run under the sanitizers alone.
 if(NOT WIN32)
     vantor_test(vantor_inspect_tests
+        inspect/fleet_test.cpp
         inspect/inspect_command_test.cpp
         inspect/pulse_decoder_test.cpp
         inspect/run_log_test.cpp)
     vantor_precompile(vantor_inspect_tests <nlohmann/json.hpp>)
     vantor_discover(vantor_inspect_tests)
-    target_link_libraries(vantor_inspect_tests PRIVATE vantor_inspect_lib)
+    target_link_libraries(vantor_inspect_tests PRIVATE vantor_inspect_lib vantor_fleet)
 endif()
 # The program itself, on this machine and under Wine: a pulse must give exit code 0, and a log the right summary.
 set(inspect_test ${test_prefix}vantor-inspect)

@@ -89,6 +89,7 @@ make_prefixes() {
 package_sets=(
     "build the local receiver and the native tests|g++ cmake ninja-build libcpp-httplib-dev nlohmann-json3-dev libssl-dev"
     "read the options of the tools|libcli11-dev"
+    "read the pulses of a fleet quickly|libsimdjson-dev"
     "cross-build the Windows program|g++-mingw-w64-x86-64-posix"
     "build the tests|googletest libgtest-dev libgmock-dev"
     "run the Windows program, TLS included|wine wine64 libgnutls30/libgnutls30t64"
@@ -99,6 +100,7 @@ package_sets=(
 check_package_sets=(
     "try the program behind a proxy and a name server|squid dnsmasq-base"
     "look at the receiver's page in a browser|chromium"
+    "ask a database what a fleet's report says|postgresql jq"
 )
 # What ./check --full needs beside those.
 full_package_sets=(
@@ -156,7 +158,7 @@ apt_install() { # [?]NAME[/NAME...]...
         as_root=(sudo)
     fi
     # The lock lets two clones that start together install one after the other; the second one finds all in place. squid
-    # comes as a service of the machine, too, which nobody asked for: it is neither started now nor at the next boot.
+    # and postgresql come as services of the machine, too, which nobody asked for: neither is started now or at the next boot.
     # shellcheck disable=SC2016 # expanded by the inner shell
     step packages "Installing the packages with apt-get" \
         "see that this machine reaches its Debian mirror; a half-done installation is mended by 'dpkg --configure -a'" \
@@ -165,7 +167,7 @@ apt_install() { # [?]NAME[/NAME...]...
             if [ ! -e "$policy" ]; then
                 trap "rm -f $policy" EXIT
                 trap "exit 143" INT TERM HUP
-                printf "%s\n" "#!/bin/sh" "case \$1 in squid*) exit 101 ;; esac" >"$policy"
+                printf "%s\n" "#!/bin/sh" "case \$1 in squid*|postgresql*) exit 101 ;; esac" >"$policy"
                 chmod 755 "$policy"
             fi
             apt-get -q update || echo "Going on with the package lists that are there."
@@ -181,7 +183,9 @@ apt_install() { # [?]NAME[/NAME...]...
             done
             [ ${#names[@]} -ne 0 ] || exit 0
             apt-get -q --yes --no-install-recommends -o DPkg::Lock::Timeout=300 install "${names[@]}"
-            case " ${names[*]} " in *" squid "*) update-rc.d squid disable ;; esac' bash "$@"
+            for name in squid postgresql; do
+                case " ${names[*]} " in *" $name "*) update-rc.d "$name" disable ;; esac
+            done' bash "$@"
 }
 
 # --- One run at a time in a clone ------------------------------------------------------------------------------------

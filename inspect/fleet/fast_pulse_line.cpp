@@ -6,6 +6,8 @@
 
 #include <simdjson.h>
 
+#include <utility>
+
 namespace vantor::fleet {
 namespace {
 
@@ -76,7 +78,7 @@ bool TakeClient(ondemand::value value, FleetPulse& pulse)
     for (auto result : client) {
         ondemand::field field;
         std::string_view key;
-        if (result.get(field) != simdjson::SUCCESS || field.unescaped_key().get(key) != simdjson::SUCCESS) {
+        if (std::move(result).get(field) != simdjson::SUCCESS || field.unescaped_key().get(key) != simdjson::SUCCESS) {
             return false;
         }
         while (next != std::end(kClient) && next->isOptional && next->key != key) {
@@ -158,7 +160,8 @@ public:
         for (auto result : object) {
             ondemand::field field;
             std::string_view key;
-            if (result.get(field) != simdjson::SUCCESS || field.unescaped_key().get(key) != simdjson::SUCCESS) {
+            if (std::move(result).get(field) != simdjson::SUCCESS ||
+                field.unescaped_key().get(key) != simdjson::SUCCESS) {
                 return false;
             }
             for (const auto& [name, mark, take] : kLine) {
