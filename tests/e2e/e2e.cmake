@@ -4,6 +4,13 @@ foreach(rule IN ITEMS documented-messages include-direction)
     add_test(NAME ${rule} COMMAND ${CMAKE_COMMAND} -P "${PROJECT_SOURCE_DIR}/cmake/${script}.cmake")
 endforeach()
 
+# The report on a fleet, with made fleets.
+foreach(name IN ITEMS database seeds)
+    file(APPEND "${test_programs}" "fleet-${name}|make-fleet|\nfleet-${name}|vantor-inspect|\n")
+    add_test(NAME fleet-${name} COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/fleet/${name}" "${PROJECT_BINARY_DIR}")
+    set_tests_properties(fleet-${name} PROPERTIES TIMEOUT 300)
+endforeach()
+
 vantor_test(vantor_e2e_tests
     e2e/log_file_test.cpp
     e2e/modules_test.cpp
