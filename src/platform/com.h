@@ -1,4 +1,4 @@
-// COM's resources and calls: interfaces, strings, result codes.
+// Owners and helpers for COM interfaces, strings and result codes.
 #pragma once
 
 #include "platform/owner.h"
@@ -30,7 +30,7 @@ public:
     void** ReceiveUntyped() noexcept { return reinterpret_cast<void**>(this->Receive()); }
 };
 
-/// A string from SysAllocString and its kin.
+/// Owns a string from SysAllocString or a related function.
 struct ComTextPolicy {
     using Value = BSTR;
     static Value None() noexcept { return nullptr; }
@@ -38,13 +38,13 @@ struct ComTextPolicy {
 };
 using ComText = Owner<ComTextPolicy>;
 
-/// A copy of the text; nothing when there is no memory for it.
+/// A copy of the text; empty when memory runs out.
 inline ComText MakeComText(const std::wstring& text)
 {
     return ComText(::SysAllocStringLen(text.data(), static_cast<UINT>(text.size())));
 }
 
-/// Calls a method whose first argument is a string, with a copy of the text. E_OUTOFMEMORY when there is none.
+/// Calls a method whose first argument is a string, passing a copy of the text. E_OUTOFMEMORY when memory runs out.
 template <typename Interface, typename Base, typename... Parameters>
 HRESULT CallWithText(const ComPointer<Interface>& object,
                      HRESULT (STDMETHODCALLTYPE Base::*method)(BSTR, Parameters...), const std::wstring& text,
@@ -54,7 +54,7 @@ HRESULT CallWithText(const ComPointer<Interface>& object,
     return copy ? (object.Get()->*method)(copy.Get(), arguments...) : E_OUTOFMEMORY;
 }
 
-/// A variant that shows a string and leaves it to its owner.
+/// A variant that refers to the string without owning it.
 inline VARIANT AsVariant(const ComText& text)
 {
     VARIANT variant{};
@@ -69,7 +69,7 @@ inline std::string ResultText(HRESULT result)
     return "0x" + Hexadecimal(static_cast<std::uint32_t>(result), 8);
 }
 
-/// Initialises COM for this thread, multithreaded, while it lives (CoInitializeEx, CoUninitialize).
+/// Initialises COM for this thread, multithreaded, for the object's lifetime (CoInitializeEx, CoUninitialize).
 class ComApartment {
 public:
     ComApartment() noexcept : m_result(::CoInitializeEx(nullptr, COINIT_MULTITHREADED)) {}

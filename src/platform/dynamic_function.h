@@ -1,4 +1,4 @@
-// Functions that Windows may lack, looked up at run time.
+// Run-time lookup of functions that older versions of Windows lack.
 #pragma once
 
 #include <windows.h>
@@ -7,8 +7,7 @@
 
 namespace vantor {
 
-/// The function of that name in a loaded module as a pointer of the given type; null when the module is null or has
-/// no such function (GetProcAddress).
+/// A pointer to the named function in a loaded module (GetProcAddress); null when the module is null or lacks it.
 template <typename Function>
 Function FindFunction(HMODULE module, const char* name) noexcept
 {

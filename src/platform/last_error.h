@@ -5,7 +5,7 @@
 
 namespace vantor {
 
-/// The last error; the fallback where Windows left none, so that a failure never passes for success.
+/// The last error, or the fallback if Windows set none, so that a failure is never taken for success.
 inline DWORD LastErrorOr(DWORD fallback) noexcept
 {
     const DWORD error = ::GetLastError();

@@ -1,4 +1,4 @@
-// Scope-bound ownership of Windows resources: acquired on one line, released on every way out.
+// Scope-bound ownership of Windows resources.
 #pragma once
 
 #include <windows.h>
@@ -21,8 +21,8 @@ private:
     DWORD m_error;
 };
 
-/// Owns one resource. The policy names its type (Value), the value that stands for none (None) and the call that
-/// releases it (Release). Releasing keeps the last-error value.
+/// Owns one resource. The policy gives its type (Value), the value for "no resource" (None) and the call that releases
+/// it (Release). Releasing keeps the last-error value.
 template <typename Policy>
 class Owner {
 public:
@@ -44,7 +44,7 @@ public:
     Value Get() const noexcept { return m_value; }
     explicit operator bool() const noexcept { return m_value != Policy::None(); }
 
-    /// For calls that store a new resource through a pointer; what was held is released first.
+    /// For calls that store a new resource through a pointer; releases the current one first.
     Value* Receive() noexcept
     {
         Reset();
@@ -63,7 +63,7 @@ private:
     Value m_value = Policy::None();
 };
 
-/// A handle from a call that says failure with INVALID_HANDLE_VALUE, such as CreateFileW.
+/// A handle from a call that returns INVALID_HANDLE_VALUE on failure, such as CreateFileW.
 struct FileHandlePolicy {
     using Value = HANDLE;
     static Value None() noexcept { return INVALID_HANDLE_VALUE; }
@@ -71,7 +71,7 @@ struct FileHandlePolicy {
 };
 using FileHandle = Owner<FileHandlePolicy>;
 
-/// A kernel object's handle from a call that says failure with a null handle, such as OpenProcess.
+/// A handle from a call that returns null on failure, such as OpenProcess.
 struct KernelHandlePolicy {
     using Value = HANDLE;
     static Value None() noexcept { return nullptr; }

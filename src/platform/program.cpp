@@ -12,14 +12,14 @@ namespace {
 using SetDefaultDllDirectoriesFunction = BOOL(WINAPI*)(DWORD);
 using SetProcessMitigationPolicyFunction = BOOL(WINAPI*)(int, void*, SIZE_T);
 
-/// A function of kernel32; null where this Windows lacks it.
+/// A function of kernel32; null if this version of Windows lacks it.
 template <typename Function>
 Function FindInKernel32(const char* name)
 {
     return FindFunction<Function>(::GetModuleHandleA("kernel32"), name);
 }
 
-/// One mitigation policy, in the numbers of Windows' headers, which older headers lack.
+/// One mitigation policy, by its numeric values, because older headers lack the names.
 struct MitigationPolicy {
     int policy;
     DWORD flags;
@@ -60,7 +60,7 @@ void EndProcessAtOnce()
     constexpr UINT kExitCode = 3;
 
     ::TerminateProcess(::GetCurrentProcess(), kExitCode);
-    std::abort(); // not reached: a process may always end itself
+    std::abort(); // not reached: a process can always end itself
 }
 
 std::optional<std::wstring> ProgramPath()

@@ -1,4 +1,4 @@
-// Facts about the running program, its preparation and its sudden end.
+// Preparing the running process, asking about it and ending it at once.
 #pragma once
 
 #include <optional>
@@ -6,23 +6,23 @@
 
 namespace vantor {
 
-/// Lets DLLs load by bare name from System32 only (SetDefaultDllDirectories). Does nothing where Windows is too old
-/// to know the function.
+/// Restricts DLLs loaded by bare name to System32 (SetDefaultDllDirectories). Does nothing if Windows is too old to
+/// have the function.
 void RestrictDllSearchPath();
 
-/// Whether Windows knows the LOAD_LIBRARY_SEARCH_... flags (Windows 8, and Windows 7 with its update KB2533623). Where
-/// it does not, LoadLibraryExW refuses them.
+/// Whether Windows knows the LOAD_LIBRARY_SEARCH_... flags (Windows 8, or Windows 7 with update KB2533623). Otherwise
+/// LoadLibraryExW rejects them.
 bool KnowsDllSearchFlags();
 
-/// Process-wide defences, each by SetProcessMitigationPolicy: no link that a standard user made is followed; no DLL is
-/// loaded from another host or at low integrity; System32 comes first. Does nothing where Windows is too old to know
-/// the function or the policy.
+/// Sets process-wide mitigation policies (SetProcessMitigationPolicy): links created by standard users are not
+/// followed, DLLs are not loaded from other hosts or at low integrity, and System32 is searched first. Skips whatever
+/// Windows is too old to know.
 void SetProcessDefences();
 
-/// Ends the process at once with exit code 3 (TerminateProcess): no destructor and no other code of the program runs.
+/// Ends the process at once with exit code 3 (TerminateProcess). No destructor or other code of the program runs.
 [[noreturn]] void EndProcessAtOnce();
 
-/// The program's own full path (GetModuleFileNameW, room for 260 wide characters); nothing when it does not fit.
+/// The program's own full path (GetModuleFileNameW, at most 260 wide characters); std::nullopt if it does not fit.
 std::optional<std::wstring> ProgramPath();
 
 } // namespace vantor

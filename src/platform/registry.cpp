@@ -6,7 +6,7 @@ namespace vantor {
 
 namespace {
 
-/// No value that this program reads is longer.
+/// No value that this program reads is longer than this.
 constexpr DWORD kMaxBytes = 1024 * 1024;
 
 } // namespace

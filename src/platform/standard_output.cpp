@@ -9,7 +9,7 @@ namespace vantor {
 
 void WriteToStandard(DWORD handle, std::string_view text)
 {
-    constexpr std::size_t kPiece = 8192; // older versions of Windows take little more than that at once
+    constexpr std::size_t kPiece = 8192; // older versions of Windows take little more in one call
 
     HANDLE stream = ::GetStdHandle(handle);
     DWORD mode = 0;

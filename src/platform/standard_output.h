@@ -1,4 +1,4 @@
-// What a person may see: standard output and standard error.
+// Writing to standard output and standard error.
 #pragma once
 
 #include <windows.h>
@@ -7,8 +7,8 @@
 
 namespace vantor {
 
-/// Writes narrow text to STD_OUTPUT_HANDLE or STD_ERROR_HANDLE: as UTF-16 to a console, which shows it whatever its code
-/// page is, and as the bytes it is to a file or a pipe. What cannot be written is lost.
+/// Writes narrow text to STD_OUTPUT_HANDLE or STD_ERROR_HANDLE: as UTF-16 to a console, which shows it correctly in any
+/// code page, and byte for byte to a file or a pipe. Text that cannot be written is lost.
 void WriteToStandard(DWORD handle, std::string_view text);
 
 } // namespace vantor

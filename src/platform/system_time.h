@@ -1,4 +1,4 @@
-// Windows' own date and time, for formatting.
+// Conversion of Windows times for formatting.
 #pragma once
 
 #include "platform/text/formatting.h"

@@ -27,7 +27,7 @@
 namespace vantor {
 namespace {
 
-/// The largest body that the connection sends, in bytes: the largest report in Base64 with room for identifiers.
+/// The largest body that the connection sends: the largest report in Base64, with room for the identifiers.
 constexpr std::uint64_t kBodyLimitBytes = 65536;
 constexpr std::uint32_t kSystemProxyLifeTimeMs = 60'000;
 
@@ -50,13 +50,13 @@ HttpTimeouts MakeTimeouts(std::uint32_t millisec)
 ProxyConfig MakeProxyConfig(const RunConfig& config)
 {
     ProxyConfig proxy;
-    proxy.m_proxyTimeoutFallbackToDirect = true; // better one direct attempt than a pulse that is lost
+    proxy.m_proxyTimeoutFallbackToDirect = true; // one direct attempt is better than a lost pulse
     proxy.m_systemProxyLifeTime = kSystemProxyLifeTimeMs;
     if (!HasExplicitProxy(config)) {
         proxy.m_wpadFlags = WINHTTP_AUTOPROXY_AUTO_DETECT;
         proxy.m_wpadDetectFlags = WINHTTP_AUTO_DETECT_TYPE_DHCP | WINHTTP_AUTO_DETECT_TYPE_DNS_A;
         proxy.m_wpadAutoLogon = true;
-        proxy.m_systemProxyDiscovery = true; // where detection finds nothing
+        proxy.m_systemProxyDiscovery = true; // used if detection finds nothing
         return proxy;
     }
     proxy.m_address = ToWide(ProxyAddress(config));
@@ -86,7 +86,7 @@ void LogField(const char* name, bool value)
     LogTrace(name + std::string(value ? " = true" : " = false"));
 }
 
-/// One line a field; the password as it is, in clear.
+/// Logs one line per field, including the password in clear text.
 void LogConfiguration(const HttpConfig& http, const HttpTimeouts& timeouts, const ProxyConfig& proxy)
 {
     LogField("HttpConfig.server", http.server);
@@ -128,7 +128,7 @@ HttpConnectionSettings MakeSettings(const VRIREST& payload, const RunConfig& con
     return settings;
 }
 
-/// The connection to the service; null when it cannot be made, which is logged.
+/// The connection to the service; null if it cannot be opened, which is logged.
 std::unique_ptr<HttpConnection> Connect(const VRIREST& payload, const RunConfig& config, std::shared_ptr<IHTTP> http)
 {
     try {
@@ -155,8 +155,8 @@ void LogOutcome(const HttpResponse& response)
     }
 }
 
-/// Everything that one send needs. The payload and the connection are made and destroyed within the class's own scope
-/// traces, where readers of the log look for their lines.
+/// Everything that one send needs. The payload and the connection are created and destroyed inside the scope traces of
+/// the constructor and destructor, where readers of the log expect their lines.
 class RESTTelemetry {
 public:
     RESTTelemetry(const RunConfig& config, std::shared_ptr<IHTTP> http)
@@ -203,7 +203,7 @@ void RESTTelemetry::Send(std::span<const std::uint8_t> report)
     LogOutcome(response);
 }
 
-/// True when every function that a send calls in delay-loaded modules is there; says what is missing otherwise.
+/// Whether all functions that a send calls in late-bound modules are available; logs the first missing one.
 bool HasTransport()
 {
     for (SystemModule* const module : {&winhttp::module, &crypt32::module}) {
@@ -225,7 +225,7 @@ void SendTelemetry(std::span<const std::uint8_t> report, const RunConfig& config
     }
     try {
         RESTTelemetry(config, std::move(http)).Send(report);
-    } catch (const std::exception& error) { // such as no memory for a reply: the run goes on without its report
+    } catch (const std::exception& error) { // such as no memory for a reply: the run continues without its report
         LogError(texts::kSendTelemetryFailed + (std::string(": ") + error.what()));
     }
 }

@@ -1,4 +1,4 @@
-// The telemetry client, which sends the report: nothing else leaves the machine.
+// The telemetry client. Its report is the only data that leaves the machine.
 #pragma once
 
 #include "health/record/report.h"
@@ -12,8 +12,8 @@ namespace vantor {
 
 class IHTTP;
 
-/// Posts the report to the reputation service, once, and logs what came of it. A failure does not end the run. Sends by
-/// these calls; by those of WinHTTP itself when http is null.
+/// Posts the report to the reputation service, once, and logs the outcome. A failure does not end the run. Sends through
+/// http, or through WinHTTP if it is null.
 void SendTelemetry(std::span<const std::uint8_t> report, const RunConfig& config,
                    std::shared_ptr<IHTTP> http = nullptr);
 

@@ -27,7 +27,7 @@ struct CryptProviderPolicy {
     static void Release(Value value) noexcept { ::CryptReleaseContext(value, 0); }
 };
 
-/// A random request id; 0 when Windows has no random bytes to give.
+/// A random request id; 0 if Windows cannot provide random bytes.
 std::int64_t GetRandomNextId()
 {
     constexpr const char* kFailed = "GetRandomNextId, Query failed. WinHTTP error: ";
@@ -43,11 +43,11 @@ std::int64_t GetRandomNextId()
         LogError(kFailed + NamedWinHttpError(::GetLastError()));
     }
     std::int64_t id = 0;
-    std::memcpy(&id, bytes, sizeof(id)); // little-endian, as every Windows is
+    std::memcpy(&id, bytes, sizeof(id)); // little-endian, like all versions of Windows
     return id;
 }
 
-/// The bytes as Base64 without line breaks; empty when encoding fails.
+/// The bytes in Base64 without line breaks; empty if encoding fails.
 std::string ToBase64(std::span<const std::uint8_t> bytes)
 {
     const auto size = static_cast<DWORD>(bytes.size());

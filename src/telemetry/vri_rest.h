@@ -1,4 +1,4 @@
-// The payload builder: who reports, and the body of the POST.
+// The payload builder: the client's identifiers and the body of the POST.
 #pragma once
 
 #include "health/record/report.h"
@@ -9,7 +9,7 @@
 
 namespace vantor {
 
-/// Reads the identifiers that a report carries, once, and builds its body. One that cannot be read stays empty.
+/// Reads the identifiers that a report carries, once, and builds the body. An identifier that cannot be read is empty.
 class VRIREST {
 public:
     VRIREST();
@@ -17,18 +17,18 @@ public:
     VRIREST(const VRIREST&) = delete;
     VRIREST& operator=(const VRIREST&) = delete;
 
-    /// Marks the request as a test: it carries "ro":true.
+    /// Marks the request as a test, with "ro":true.
     void SetReadOnly() { m_readOnlyMarker = L"1"; }
 
-    /// The service's host name, over IPv6 when the product prefers it.
+    /// The service's host name; the one for IPv6 if the product prefers that.
     const std::wstring& ServiceHost() const { return m_serviceHost; }
     const std::wstring& UserAgent() const { return m_sdkv; }
     std::uint32_t TimeoutMillisec() const { return m_timeoutMillisec; }
 
-    /// The "ci" object, the outer object opened before it and left open.
+    /// See CiSectionText.
     std::string CreateCiSection() const;
 
-    /// The whole body with the report as Base64 text (CryptBinaryToStringA); logs it.
+    /// The complete body, with the report in Base64 (CryptBinaryToStringA). Also logs it.
     std::string CreatePostData(std::span<const std::uint8_t> report) const;
 
 private:
@@ -43,10 +43,9 @@ private:
     std::wstring m_rid;
     std::wstring m_readOnlyMarker = L"0";
     std::wstring m_sdkv;
-    std::wstring m_machineGuid; ///< no request carries it
+    std::wstring m_machineGuid; ///< not sent
     std::wstring m_serviceHost;
-    std::uint32_t m_timeoutMillisec =
-        3000; ///< for each step of a request: an update must not wait for a silent service
+    std::uint32_t m_timeoutMillisec = 3000; ///< per step: an update must not wait long for a silent service
 };
 
 } // namespace vantor

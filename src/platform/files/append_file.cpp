@@ -10,7 +10,8 @@
 namespace vantor {
 namespace {
 
-/// Rights of a new file, for CreateFileW: full ones for SYSTEM and Administrators, none for others, none inherited.
+/// Access rights of a new file, for CreateFileW: full access for SYSTEM and Administrators, none for anyone else, and
+/// nothing inherited.
 class AdministratorsOnly {
 public:
     AdministratorsOnly()
@@ -29,7 +30,7 @@ private:
     SECURITY_ATTRIBUTES m_attributes{sizeof(SECURITY_ATTRIBUTES), nullptr, FALSE};
 };
 
-/// Whether the path means a device, such as a pipe, a port or NUL: nothing of that kind is even opened.
+/// Whether the path names a device, such as a pipe, a port or NUL. Devices are not even opened.
 bool IsDevicePath(const std::wstring& path)
 {
     std::wstring full(::GetFullPathNameW(path.c_str(), 0, nullptr, nullptr), L'\0');
@@ -51,8 +52,8 @@ FileHandle OpenLog(const std::wstring& path)
     if (IsDevicePath(path) || (isElevated && !rights)) {
         return {};
     }
-    SECURITY_ATTRIBUTES* const given = isElevated ? rights.Get() : nullptr;         // null: as the folder hands down
-    FileHandle file = OpenToAppend(path, FILE_APPEND_DATA | FILE_READ_DATA, given); // without the second, no lock
+    SECURITY_ATTRIBUTES* const given = isElevated ? rights.Get() : nullptr;         // null: inherited from the folder
+    FileHandle file = OpenToAppend(path, FILE_APPEND_DATA | FILE_READ_DATA, given); // LockFileEx needs read access
     return file ? std::move(file) : OpenToAppend(path, FILE_APPEND_DATA, given);
 }
 
@@ -76,7 +77,7 @@ bool AppendFile::Append(std::string_view text)
     return whole;
 }
 
-/// Whether the range is locked now; false when others kept it or the file knows no locks.
+/// True once the range is locked; false when others kept it locked or the file does not support locks.
 bool AppendFile::Lock(OVERLAPPED& range)
 {
     constexpr DWORD kFlags = LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY;

@@ -1,4 +1,4 @@
-// A file to which whole texts are appended.
+// A file that several processes append to.
 #pragma once
 
 #include "platform/owner.h"
@@ -9,26 +9,25 @@
 
 namespace vantor {
 
-/// Every text goes to the end of the file in one write, under a lock that every object of this class respects, those of
-/// other processes included: what several of them append at once is neither torn nor lost. Others may read and write
-/// the file meanwhile.
+/// Each text is appended in one write, under a lock that all objects of this class respect, across processes, so that
+/// texts appended at the same time are neither interleaved nor lost. Other programs may read and write the file.
 class AppendFile {
 public:
-    /// The byte that is locked during a write. It lies past every file's end, so that no reader is held up.
+    /// Offset of the byte that is locked during a write: past the end of any file, so that readers are not blocked.
     static constexpr std::uint64_t kLockedByte = 0x7FFF'FFFF'FFFF'FFFE;
 
-    /// How long an object waits for others' locks, in all its writes together. Then it no longer waits: a process that
-    /// hangs with the lock holds nobody up for good.
+    /// How long an object waits for the lock in total, over all its writes. After that it writes without waiting, so
+    /// that a process that hangs while holding the lock does not block the others for good.
     static constexpr DWORD kLockTimeoutMs = 2000;
 
-    /// Opens the file, creating it if absent; what it holds is kept. Check IsOpen afterwards. Only a plain file on a disk
-    /// is opened, and only under its one name: no link, pipe, device or folder. A file that an elevated process
-    /// creates is for SYSTEM and Administrators alone; one that was there keeps its rights.
+    /// Opens the file, creating it if absent and keeping its contents. Check IsOpen afterwards. Only a plain file on a
+    /// disk with a single name is opened: no link, pipe, device or folder. A file created by an elevated process is
+    /// accessible to SYSTEM and Administrators only; an existing file keeps its access rights.
     explicit AppendFile(const std::wstring& path);
 
     bool IsOpen() const { return static_cast<bool>(m_handle); }
 
-    /// Appends the text as it stands. False when Windows did not write all of it.
+    /// Appends the text unchanged. False when Windows did not write all of it.
     bool Append(std::string_view text);
 
 private:

@@ -1,5 +1,5 @@
-// What must be known of a file before a program that runs as SYSTEM uses it, and what is judged by it. Pure: the facts
-// come from platform/files/open_file.h.
+// The checks a file must pass before a program that runs as SYSTEM uses it. Pure: the facts come from
+// platform/files/open_file.h.
 #pragma once
 
 #include <cstdint>
@@ -8,31 +8,31 @@
 
 namespace vantor {
 
-/// Facts of an open file or folder.
+/// What Windows reports about an open file or folder.
 struct FileFacts {
-    bool isDisk = false;      ///< on a disk: no pipe, console or other device (GetFileType)
-    bool isDirectory = false; ///< by its attributes, as is the next
-    bool isLink = false;      ///< a reparse point that was opened as itself: a symbolic link, a junction
-    std::uint32_t names = 0;  ///< hard links to it (BY_HANDLE_FILE_INFORMATION)
-    std::wstring path;        ///< where it really is, as GetFinalPathNameByHandleW tells it: "\\?\C:\folder\file"
-    std::wstring owner;       ///< its owner's SID as text; empty when that is unknown
+    bool isDisk = false;      ///< on a disk, not a pipe, console or other device (GetFileType)
+    bool isDirectory = false; ///< from the file attributes, as is isLink
+    bool isLink = false;      ///< a reparse point opened as itself: a symbolic link or a junction
+    std::uint32_t names = 0;  ///< number of hard links (BY_HANDLE_FILE_INFORMATION)
+    std::wstring path;        ///< real location from GetFinalPathNameByHandleW: "\\?\C:\folder\file"
+    std::wstring owner;       ///< the owner's SID as text; empty if unknown
 };
 
-/// Whether it is a plain file that only one name leads to: what is written to it goes into no other file.
+/// Whether it is a plain file with a single name, so that writing to it cannot change another file.
 bool IsPlainFile(const FileFacts& file);
 
-/// Whether it belongs to SYSTEM, Administrators, TrustedInstaller or the user with the SID self, as whom this program
-/// runs: nobody else decides what is in it and who may change it.
+/// Whether the owner is SYSTEM, Administrators, TrustedInstaller or self, the SID of the user this program runs as.
+/// The owner decides who may change the file.
 bool IsOwnerTrusted(const FileFacts& file, const std::wstring& self);
 
-/// The final path without its prefix, "C:\folder\file"; nothing when the file is on another host or on no drive.
+/// The final path without its prefix, "C:\folder\file"; std::nullopt if the file is on another host or has no drive.
 std::optional<std::wstring> LocalPath(const FileFacts& file);
 
-/// Whether it is a folder that was opened as itself and really is at this path, whatever its case; a backslash at the
-/// path's end does not count.
+/// Whether it is a folder, opened as itself, whose real location is this path. Case and a trailing backslash are
+/// ignored.
 bool IsFolderAt(const FileFacts& folder, const std::wstring& path);
 
-/// Whether the file lies directly in the folder; both final paths are compared as they stand.
+/// Whether the file is directly in the folder. The final paths are compared exactly.
 bool IsDirectlyIn(const FileFacts& file, const FileFacts& folder);
 
 } // namespace vantor

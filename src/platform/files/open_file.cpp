@@ -18,14 +18,14 @@ struct LocalMemoryPolicy {
 
 std::wstring FinalPath(HANDLE file)
 {
-    constexpr DWORD kMaxChars = 32768; // the longest path that Windows knows
+    constexpr DWORD kMaxChars = 32768; // the longest path that Windows supports
 
     std::wstring path(::GetFinalPathNameByHandleW(file, nullptr, 0, FILE_NAME_NORMALIZED), L'\0');
     if (path.empty() || path.size() > kMaxChars) {
         return {};
     }
     const DWORD length = ::GetFinalPathNameByHandleW(file, path.data(), static_cast<DWORD>(path.size()), 0);
-    path.resize(length < path.size() ? length : 0); // a longer one: the file was renamed meanwhile
+    path.resize(length < path.size() ? length : 0); // not less: the file was renamed in between
     return path;
 }
 
@@ -37,14 +37,14 @@ std::wstring SidText(PSID sid)
 
 std::wstring OwnerOf(HANDLE file)
 {
-    PSID owner = nullptr; // within the descriptor
+    PSID owner = nullptr; // points into the descriptor
     Owner<LocalMemoryPolicy<PSECURITY_DESCRIPTOR>> descriptor;
     const DWORD error = ::GetSecurityInfo(file, SE_FILE_OBJECT, OWNER_SECURITY_INFORMATION, &owner, nullptr, nullptr,
                                           nullptr, descriptor.Receive());
     return error == ERROR_SUCCESS && owner ? SidText(owner) : std::wstring();
 }
 
-/// What the process's token tells of this class, into a record; false when Windows refuses.
+/// Queries one information class of the process's token into a record; false on failure.
 template <typename Record>
 bool QueryToken(TOKEN_INFORMATION_CLASS information, Record& record)
 {
@@ -75,7 +75,7 @@ std::wstring ProcessUser()
 {
     struct {
         TOKEN_USER user;
-        std::array<BYTE, SECURITY_MAX_SID_SIZE> room; ///< for the SID, which the record above points to
+        std::array<BYTE, SECURITY_MAX_SID_SIZE> room; ///< for the SID that user points to
     } record{};
     return QueryToken(TokenUser, record) ? SidText(record.user.User.Sid) : std::wstring();
 }

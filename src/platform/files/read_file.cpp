@@ -6,7 +6,7 @@
 
 namespace vantor {
 
-std::optional<std::string> ReadFileStart(const std::wstring& path, std::size_t mostBytes)
+std::optional<std::string> ReadFileStart(const std::wstring& path, std::size_t maxBytes)
 {
     constexpr std::size_t kPieceBytes = 4096;
 
@@ -16,10 +16,10 @@ std::optional<std::string> ReadFileStart(const std::wstring& path, std::size_t m
         return std::nullopt;
     }
     std::string text;
-    while (text.size() < mostBytes) {
+    while (text.size() < maxBytes) {
         char piece[kPieceBytes];
         DWORD read = 0;
-        const auto wanted = static_cast<DWORD>(std::min(kPieceBytes, mostBytes - text.size()));
+        const auto wanted = static_cast<DWORD>(std::min(kPieceBytes, maxBytes - text.size()));
         if (!::ReadFile(file.Get(), piece, wanted, &read, nullptr) || read == 0) {
             break;
         }

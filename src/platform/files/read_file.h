@@ -7,8 +7,8 @@
 
 namespace vantor {
 
-/// The file's first bytes as they are, at most mostBytes of them (CreateFileW, ReadFile); others may go on writing the
-/// file. Nothing when it cannot be opened; what was read until then when reading fails.
-std::optional<std::string> ReadFileStart(const std::wstring& path, std::size_t mostBytes);
+/// The first bytes of the file, at most maxBytes (CreateFileW, ReadFile); other programs may be writing to it.
+/// std::nullopt if it cannot be opened; if reading fails, the bytes read so far.
+std::optional<std::string> ReadFileStart(const std::wstring& path, std::size_t maxBytes);
 
 } // namespace vantor

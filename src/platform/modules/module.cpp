@@ -44,7 +44,7 @@ std::string SystemModule::FindMissing()
 
 HMODULE LoadSystemModule(const wchar_t* name)
 {
-    // A full path: the flag for System32 alone is unknown to systems that lack SetDefaultDllDirectories.
+    // A full path, because systems without SetDefaultDllDirectories do not know LOAD_LIBRARY_SEARCH_SYSTEM32.
     wchar_t directory[MAX_PATH];
     const UINT length = ::GetSystemDirectoryW(directory, MAX_PATH);
     if (length == 0 || length >= MAX_PATH) {

@@ -1,4 +1,4 @@
-// DLLs that are loaded when a stage first needs them, rather than by the loader before main can restrict the search path.
+// DLLs loaded on first use rather than by the loader, which runs before main can restrict the search path.
 #pragma once
 
 #include <windows.h>
@@ -10,7 +10,7 @@ namespace vantor {
 
 class ModuleEntry;
 
-/// A DLL of System32 with the functions that the program calls in it. The headers beside this one name them all.
+/// A System32 DLL and the functions that the program calls in it; the other headers in this folder list them.
 /// Objects are global, and the program has one thread.
 class SystemModule {
 public:
@@ -18,9 +18,9 @@ public:
     SystemModule(const SystemModule&) = delete;
     SystemModule& operator=(const SystemModule&) = delete;
 
-    /// Loads the DLL from System32 and binds each function (LoadLibraryExW, GetProcAddress), unless that is done. Returns
-    /// what is missing, with Windows' error number, or an empty text. The DLL stays loaded. Ask before a stage makes the
-    /// first call, since calling a function that is missing ends the process.
+    /// Loads the DLL from System32 and binds each function (LoadLibraryExW, GetProcAddress), unless already done.
+    /// Returns what is missing, with the Windows error code, or an empty string. The DLL stays loaded. Check this
+    /// before the first call to the DLL, because calling a missing function ends the process.
     std::string FindMissing();
 
 private:
@@ -31,7 +31,7 @@ private:
     bool m_bound = false;
 };
 
-/// One function of a module by its name.
+/// One function of a module, bound by name.
 class ModuleEntry {
 public:
     ModuleEntry(const ModuleEntry&) = delete;
@@ -41,7 +41,7 @@ protected:
     ModuleEntry(SystemModule& module, const char* name) noexcept;
     ~ModuleEntry() = default;
 
-    /// Binds the module when that has not been done; null when the function is missing. Keeps the last error.
+    /// Binds the module on first use; null when the function is missing. Keeps the last error.
     FARPROC Address() const;
 
 private:
@@ -53,7 +53,7 @@ private:
     FARPROC m_address = nullptr;
 };
 
-/// Is called like the Windows function whose declaration gives its type.
+/// Can be called like the Windows function whose type it is given.
 template <typename Function>
 class ModuleFunction : public ModuleEntry {
 public:
@@ -62,8 +62,8 @@ public:
     operator Function*() const { return std::bit_cast<Function*>(Address()); }
 };
 
-/// Loads a DLL from System32, by its full path, and leaves it loaded (LoadLibraryExW). Null on failure; the last error says
-/// why.
+/// Loads a DLL from System32 by its full path and leaves it loaded (LoadLibraryExW). Null on failure; the last error
+/// says why.
 HMODULE LoadSystemModule(const wchar_t* name);
 
 } // namespace vantor

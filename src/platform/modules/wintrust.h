@@ -1,4 +1,4 @@
-// wintrust.dll: signatures of files.
+// wintrust.dll: file signatures.
 #pragma once
 
 #include "platform/modules/module.h"

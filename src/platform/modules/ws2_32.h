@@ -1,4 +1,4 @@
-// ws2_32.dll: addresses as text.
+// ws2_32.dll: conversion of addresses to text.
 #pragma once
 
 #include <winsock2.h> // before any other header that brings in windows.h

@@ -25,7 +25,7 @@ std::string Narrow(UINT codePage, std::wstring_view text)
     if (length == 0) {
         return {};
     }
-    // Otherwise characters would turn into ones that look like them. UTF-8 has all of them, and refuses the flag.
+    // Without this flag Windows replaces characters with similar-looking ones. UTF-8 has them all and rejects the flag.
     const bool isUtf8 = codePage == CP_UTF8 || (codePage == CP_ACP && ::GetACP() == CP_UTF8);
     const DWORD flags = isUtf8 ? 0 : WC_NO_BEST_FIT_CHARS;
     const int size = ::WideCharToMultiByte(codePage, flags, text.data(), length, nullptr, 0, nullptr, nullptr);

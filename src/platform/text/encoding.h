@@ -6,17 +6,16 @@
 
 namespace vantor {
 
-/// Wide text in the process's ANSI code page (UTF-8 where Windows honours the manifest). Characters that it lacks
-/// become its default character, never one that looks like them: a full-width quote is no quote.
+/// Converts to the process's ANSI code page (UTF-8 if Windows honours the manifest). Characters that the code page
+/// lacks become its default character, never a similar-looking one: a full-width quote must not become a real quote.
 std::string ToNarrow(std::wstring_view text);
 
-/// Narrow text in the process's ANSI code page as wide text.
+/// Converts from the process's ANSI code page.
 std::wstring ToWide(std::string_view text);
 
-/// Wide text as UTF-8.
 std::string ToUtf8(std::wstring_view text);
 
-/// A pointer or handle as a stream writes it.
+/// A pointer or handle as a stream prints it: "0x" and hexadecimal digits, "0" for null.
 std::string PointerText(const void* pointer);
 
 } // namespace vantor

@@ -25,7 +25,7 @@ std::string FormatTime(const DateTime& time, std::string_view layout)
 
     int rest[] = {time.year, time.month, time.day, time.hour, time.minute, time.second};
     std::string text(layout);
-    for (std::size_t index = text.size(); index-- > 0;) { // a number's last digit first
+    for (std::size_t index = text.size(); index-- > 0;) { // backwards: the last digit of each number comes first
         if (const std::size_t field = kFields.find(text[index]); field != std::string_view::npos) {
             text[index] = static_cast<char>('0' + rest[field] % 10);
             rest[field] /= 10;

@@ -9,7 +9,7 @@
 
 namespace vantor {
 
-/// A date and a time of day, of whatever zone.
+/// A date and a time of day in any time zone.
 struct DateTime {
     int year = 0;
     int month = 0; ///< 1 to 12
@@ -21,12 +21,12 @@ struct DateTime {
 
 DateTime UtcDateTime(std::chrono::sys_seconds time);
 
-/// How a time is laid out: each Y, M, D, h, m, s stands for a digit of its number, every other character for itself.
+/// Layouts for FormatTime: each Y, M, D, h, m, s stands for one digit; every other character is copied.
 inline constexpr std::string_view kLogTime = "YY/MM/DD hh:mm:ss";
 inline constexpr std::string_view kReadableTime = "YYYY-MM-DD hh:mm:ss";
 std::string FormatTime(const DateTime& time, std::string_view layout);
 
-/// The number in lower-case hexadecimal digits, without "0x", filled up with zeros to at least minDigits digits.
+/// The number in lower-case hexadecimal without "0x", padded with zeros to at least minDigits digits.
 std::string Hexadecimal(std::uint64_t number, std::size_t minDigits = 1);
 
 } // namespace vantor

@@ -1,11 +1,11 @@
-// Names that are compared without regard to case.
+// Lower-casing names for comparisons that ignore case.
 #pragma once
 
 #include <string>
 
 namespace vantor {
 
-/// The text with its ASCII letters in lower case; every other character stays as it is.
+/// The text with its ASCII letters in lower case; other characters are unchanged.
 template <typename Character>
 std::basic_string<Character> LowerCase(std::basic_string<Character> text)
 {

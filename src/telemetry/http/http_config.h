@@ -1,4 +1,4 @@
-// What an HTTP connection is told about its server and its limits.
+// Settings of an HTTP connection: server, limits and timeouts.
 #pragma once
 
 #include <cstdint>

@@ -15,8 +15,8 @@ bool IsConnectFailure(DWORD error)
     return error == ERROR_WINHTTP_TIMEOUT || error == ERROR_WINHTTP_CANNOT_CONNECT;
 }
 
-/// Whether there was a certificate that is refused, or a good answer that no certificate vouches for. Without either, the
-/// send or the receive says why no server was reached, or the status of the proxy that did not build the tunnel.
+/// Whether the server's certificate was rejected, or a success status came without any certificate. Otherwise the error
+/// of the send or receive says why no server was reached, or the status is that of a proxy that refused the tunnel.
 bool IsUntrusted(const Exchange& exchange)
 {
     const bool isGood = exchange.status >= HTTP_STATUS_OK && exchange.status < HTTP_STATUS_AMBIGUOUS;
@@ -100,7 +100,7 @@ DWORD HttpConnection::OpenHandles(const OperationLog& log)
     };
     HttpTimeouts& timeouts = m_settings.timeouts;
 
-    ::SetLastError(ERROR_SUCCESS); // a session kind that is missing fails without asking Windows
+    ::SetLastError(ERROR_SUCCESS); // a missing session fails without a Windows call
     m_hSession = m_proxyManager.OpenSession(&timeouts.connectTimeoutMillisec);
     if (!m_hSession) {
         return fail("WinHttpOpen");
@@ -209,7 +209,7 @@ HttpConnection::Attempt HttpConnection::SendAttempt(std::unique_ptr<HttpRequest>
                                                     const HttpHeaders& headers, std::optional<std::string_view> body,
                                                     const OperationLog& log)
 {
-    request.reset(); // the old handle goes before the new one comes
+    request.reset(); // close the old handle before opening the new one
     try {
         request = CreateRequest(target);
     } catch (const HttpRequestError& error) {
@@ -218,7 +218,7 @@ HttpConnection::Attempt HttpConnection::SendAttempt(std::unique_ptr<HttpRequest>
     }
 
     Exchange exchange;
-    ::SetLastError(ERROR_SUCCESS); // a set-up that is refused does not always reach Windows
+    ::SetLastError(ERROR_SUCCESS); // the set-up can fail without a Windows call
     const bool prepared = schemes.InitRequest(m_hSession, *request, L"https://" + m_settings.http.server);
     if (!prepared) {
         exchange.error = LastErrorOr(ERROR_WINHTTP_LOGIN_FAILURE);
@@ -238,7 +238,7 @@ HttpConnection::Attempt HttpConnection::SendAttempt(std::unique_ptr<HttpRequest>
     if (exchange.status != 0 && exchange.status != HTTP_STATUS_PROXY_AUTH_REQ) {
         log.Error(texts::kProxyDidNotBuildTunnel + std::to_string(exchange.status) + '.');
     }
-    if (prepared) { // otherwise there is no answer to learn from, and the queue goes on as it is
+    if (prepared) { // otherwise there is no answer to learn from, and the queue stays unchanged
         schemes.FindNextAuthenticationScheme(*request);
     }
     return {exchange.error, schemes.WantsAnotherAttempt()};
@@ -248,13 +248,13 @@ Exchange HttpConnection::SendPrepared(HttpRequest& request, const HttpHeaders& h
                                       std::optional<std::string_view> body, const OperationLog& log)
 {
     const std::string_view data = body.value_or("");
-    bool certificateValid = false; // the verdict says more
+    bool certificateValid = false; // unused: the verdict says more
     bool retry = false;
     DWORD error = request.AddHeaders(headers);
     for (bool again = error == ERROR_SUCCESS; again;) {
         error = request.Send({}, data, static_cast<DWORD>(data.size()), certificateValid, retry);
-        // Receiving would answer the challenges of whoever has a certificate that is refused, and could send the body
-        // once more. The answer is remembered: it may be the proxy's challenge, and is read later otherwise.
+        // With a rejected certificate nothing is received: WinHTTP would answer the server's challenges and could send
+        // the body again. The request keeps the answer: it may be the proxy's challenge; otherwise it is read later.
         again = error == ERROR_SUCCESS && request.Verdict() != CertificateVerdict::rejected &&
                 request.AcceptResponse() == ERROR_WINHTTP_RESEND_REQUEST && request.MaySendAgain();
         if (again) {

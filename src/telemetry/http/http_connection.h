@@ -1,4 +1,4 @@
-// The client's one connection to the service: sessions, whole queries, retries, and the fallback from a proxy.
+// The client's connection to the service: sessions, complete queries, retries, and the fallback from a proxy.
 #pragma once
 
 #include "proxy/config/proxy_config.h"
@@ -18,7 +18,7 @@
 
 namespace vantor {
 
-/// Turns a body into its compressed bytes. The program has none of its own; without one bodies go out as they are.
+/// Compresses bodies with gzip. The program has no implementation; without one, bodies are sent uncompressed.
 class ICompressor {
 public:
     virtual ~ICompressor() = default;
@@ -36,40 +36,40 @@ struct HttpConnectionSettings {
     ProxyCalls proxyCalls;
 };
 
-/// Which object a query asks for, and how.
+/// The object that a query requests, and the HTTP method.
 struct HttpTarget {
     std::wstring objectName; ///< path of the URL
     std::wstring verb;
 };
 
-/// Owns the WinHTTP session and connection handles. Errors are WinHTTP error codes, 0 for success. One query at a
-/// time, from one thread.
+/// Owns the WinHTTP session and connection handles. Errors are WinHTTP error codes; 0 means success. Handles one query
+/// at a time, from one thread.
 class HttpConnection : public IRequestHost {
 public:
-    /// Opens the connection. Throws std::runtime_error when there is no call layer or when opening fails.
+    /// Opens the connection. Throws std::runtime_error if http is null or opening fails.
     HttpConnection(HttpConnectionSettings settings, std::shared_ptr<IHTTP> http, std::shared_ptr<ILogger> logger);
     ~HttpConnection() override;
     HttpConnection(const HttpConnection&) = delete;
     HttpConnection& operator=(const HttpConnection&) = delete;
 
-    /// Closes what is open, then opens session and connection anew, TLS 1.2 only. After a failure nothing is open.
+    /// Closes and reopens the session and the connection, with TLS 1.2 only. After a failure both are closed.
     DWORD Reset() override;
 
-    /// Sends one request and reads its answer; falls back from a proxy to a direct connection once, when it is
-    /// allowed and the proxy cannot be reached. The error code is left in response.result.
+    /// Sends one request and reads its answer. Falls back from a proxy to a direct connection once, if that is allowed
+    /// and the proxy cannot be reached. Stores the error code in response.result.
     void Query(const HttpTarget& target, HttpHeaders headers, std::optional<std::string_view> body,
                HttpResponse& response);
 
-    /// Sends one request, again for each proxy authentication scheme that the proxy asks to try. On success the
-    /// request is left open in request, its answer received; a server whose certificate no pinned issuer signed is
-    /// ERROR_WINHTTP_SECURE_FAILURE.
+    /// Sends one request, repeating it for each authentication scheme that the proxy offers. On success request holds
+    /// the open request, whose answer has been received. Fails with ERROR_WINHTTP_SECURE_FAILURE if no pinned issuer
+    /// signed the server's certificate.
     virtual DWORD SendRequest(std::unique_ptr<HttpRequest>& request, const HttpTarget& target,
                               const HttpHeaders& headers, std::optional<std::string_view> body);
 
     /// 0 while the connection is open, ERROR_WINHTTP_INCORRECT_HANDLE_STATE otherwise.
     DWORD CheckConnection() const;
 
-    /// Closes both handles; false when one did not close.
+    /// Closes both handles; false if either fails to close.
     bool Close();
 
     HINTERNET ConnectionHandle() const override { return m_hConnection; }
@@ -77,10 +77,10 @@ public:
     std::span<const Certificate> PinnedCertificates() const override { return m_settings.pinnedCertificates; }
 
 private:
-    /// What came of one attempt to send.
+    /// Result of one attempt to send.
     struct Attempt {
         DWORD result;
-        bool again; ///< the proxy asks for another scheme that was not tried yet
+        bool again; ///< the proxy offers another scheme that was not tried yet
     };
 
     OperationLog Log(const char* operation) const { return {m_logger, operation}; }

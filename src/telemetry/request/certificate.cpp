@@ -25,7 +25,7 @@ Certificate DecodeCertificate(std::string_view base64)
     return Certificate(crypt32::CertCreateCertificateContext(X509_ASN_ENCODING, der.data(), size));
 }
 
-/// The certificate's subject or, with CERT_NAME_ISSUER_FLAG, its issuer; empty when there is none to read.
+/// The certificate's subject or, with CERT_NAME_ISSUER_FLAG, its issuer; empty if it cannot be read.
 std::string Name(PCCERT_CONTEXT certificate, DWORD flags)
 {
     const DWORD size =
@@ -33,7 +33,7 @@ std::string Name(PCCERT_CONTEXT certificate, DWORD flags)
     std::wstring name(size, L'\0');
     const DWORD length =
         crypt32::CertGetNameStringW(certificate, CERT_NAME_SIMPLE_DISPLAY_TYPE, flags, nullptr, name.data(), size);
-    name.resize(length > 0 ? length - 1 : 0); // without the final NUL that both calls count
+    name.resize(length > 0 ? length - 1 : 0); // both calls count the final NUL
     return ToNarrow(name);
 }
 

@@ -1,4 +1,4 @@
-// Certificate contexts, the pinned ones among them, and how they are logged.
+// Certificate contexts: reading them from PEM text, checking their issuer and logging them.
 #pragma once
 
 #include "platform/modules/crypt32.h"
@@ -24,15 +24,15 @@ struct CertificatePolicy {
 /// A certificate context, freed with CertFreeCertificateContext.
 using Certificate = Owner<CertificatePolicy>;
 
-/// The certificates of a PEM text, in its order (CryptStringToBinaryA, CertCreateCertificateContext). One that does
-/// not decode is logged and left out.
+/// The certificates in a PEM text, in order (CryptStringToBinaryA, CertCreateCertificateContext). One that cannot be
+/// decoded is logged and skipped.
 std::vector<Certificate> ParseCertificates(std::string_view pem, const OperationLog& log);
 
-/// The first of the issuers whose key verifies the certificate's signature (CryptVerifyCertificateSignature), or null.
-/// Names, dates and chains are not looked at.
+/// The first issuer whose key verifies the certificate's signature (CryptVerifyCertificateSignature), or null.
+/// Names, dates and chains are not checked.
 PCCERT_CONTEXT FindIssuer(PCCERT_CONTEXT certificate, std::span<const Certificate> issuers);
 
-/// Logs a certificate's subject, issuer and validity, the times as "YYYY-MM-DD HH:MM:SS" UTC.
+/// Logs a certificate's subject, issuer and validity period, with times as "YYYY-MM-DD HH:MM:SS" UTC.
 void LogVriInfo(PCCERT_CONTEXT certificate, const OperationLog& log);
 
 } // namespace vantor

@@ -10,7 +10,7 @@
 namespace vantor {
 namespace {
 
-/// The pieces of a send call that WinHTTP takes through non-const pointers but does not write to.
+/// The body for WinHttpSendRequest, which takes a non-const pointer but does not write to it.
 void* SendableBody(std::string_view body)
 {
     return body.empty() ? WINHTTP_NO_REQUEST_DATA : const_cast<char*>(body.data());
@@ -47,7 +47,7 @@ bool HttpRequest::Open(const std::wstring& objectName, const std::wstring& verb,
             log.Error("HttpRequest::Open WinHttpSetOption error " + NamedWinHttpError(error) +
                       ": the automatic logon stays as it is.");
         }
-        // The target of a redirect would never be held against the pinned issuers: the report goes nowhere else.
+        // A redirect's target would not be checked against the pinned issuers, so the report must not follow one.
         DWORD redirects = WINHTTP_OPTION_REDIRECT_POLICY_NEVER;
         if (!m_HttpInterface->SetOption(m_handle, WINHTTP_OPTION_REDIRECT_POLICY, &redirects, sizeof(redirects))) {
             const LastErrorKeeper error;
@@ -59,10 +59,10 @@ bool HttpRequest::Open(const std::wstring& objectName, const std::wstring& verb,
     return m_handle != nullptr;
 }
 
-/// Returns the last error; the handle tells whether the request is open.
+/// Returns 0 if the request is open, otherwise the error of the last attempt.
 DWORD HttpRequest::OpenRequestWithRetries(const std::wstring& objectName, const std::wstring& verb, DWORD flags)
 {
-    constexpr int kMostRetries = 20; // never reached: the flag allows one retry after a successful reset
+    constexpr int kMaxRetries = 20; // never reached: the flag allows one retry after a successful reset
 
     const OperationLog log = Log("HttpRequest::OpenRequestWithRetries");
     DWORD error = ERROR_SUCCESS;
@@ -81,7 +81,7 @@ DWORD HttpRequest::OpenRequestWithRetries(const std::wstring& objectName, const 
         }
         log.Error("HttpConnection::CreateRequest WinHttpOpenRequest error " + NamedWinHttpError(error) + ", retry " +
                   (retry ? "1" : "0"));
-    } while (retry && retries < kMostRetries);
+    } while (retry && retries < kMaxRetries);
     return error;
 }
 
@@ -104,7 +104,7 @@ DWORD HttpRequest::Send(std::wstring_view headers, std::string_view body, DWORD 
 {
     const TracedOperation log = Trace(texts::kHttpRequestSend);
     retry = false;
-    m_received.reset(); // a new send has an answer of its own
+    m_received.reset(); // a new send gets a new answer
     m_sent = SendWithResend(headers, body, totalLength, log);
     JudgeCertificate(log);
     certificateValid = m_verdict == CertificateVerdict::accepted;
@@ -175,7 +175,7 @@ void HttpRequest::JudgeCertificate(const OperationLog& log)
         m_verdict = ValidateServerCert(*m_HttpInterface, m_handle) ? CertificateVerdict::accepted
                                                                    : CertificateVerdict::rejected;
     } catch (const std::exception& error) {
-        // A connection that was refused or never built has no certificate; the send's own result says why.
+        // A connection that was refused or never established has no certificate; the result of the send says why.
         m_verdict = CertificateVerdict::unknown;
         log.Warning(error.what());
     }
@@ -189,7 +189,7 @@ Certificate HttpRequest::ServerCertificate(IHTTP& http, HINTERNET request) const
     return isThere ? std::move(server) : Certificate();
 }
 
-/// Whether a server was reached that no pinned issuer vouches for: it gets the body once, and no more.
+/// Whether a server was reached whose certificate no pinned issuer signed. Such a server must not get the body again.
 bool HttpRequest::IsServerForeign() const
 {
     const Certificate server = ServerCertificate(*m_HttpInterface, m_handle);

@@ -11,8 +11,8 @@
 namespace vantor {
 namespace {
 
-/// A reply of ours is a few bytes; a server that never ends must exhaust neither memory nor time, nor fill the disk
-/// through the log. WinHTTP's time-outs bound each read alone, so the deadline is checked between reads.
+/// The service's replies are a few bytes long. An endless one must not use up memory or time, or fill the disk through
+/// the log. WinHTTP's timeouts limit only a single read, so the deadline is checked between reads.
 constexpr std::size_t kReplyLimitBytes = 1 << 20;
 constexpr std::uint64_t kReadDeadlineMs = 60'000;
 constexpr std::size_t kSmallestBuffer = 32768;
@@ -30,7 +30,7 @@ DWORD HttpRequest::AcceptResponse()
         m_received = LastErrorOr(ERROR_WINHTTP_INTERNAL_ERROR);
         log.Error("HttpRequest::AcceptResponse WinHttpReceiveResponse result " + NamedWinHttpError(*m_received));
     } else if (m_verdict == CertificateVerdict::unknown) {
-        // WinHTTP may have finished a proxy's logon only here, and so reached the server after the send.
+        // WinHTTP may finish a proxy logon only at this point, and so reach the server only after the send.
         DWORD status = 0;
         QueryStatusCode(status);
         if (status != HTTP_STATUS_PROXY_AUTH_REQ) {
@@ -79,7 +79,7 @@ DWORD HttpRequest::ReadHeaders(DWORD& status, std::wstring& headers)
         log.Error("HttpRequest::ReadHeaders WinHttpQueryHeaders error " + NamedWinHttpError(result));
         return result;
     }
-    headers.resize(std::min(size / sizeof(wchar_t), headers.size())); // the second answer does not count the final NUL
+    headers.resize(std::min(size / sizeof(wchar_t), headers.size())); // the second call does not count the final NUL
     log.Trace(texts::kResponseHeaders + ToNarrow(headers));
     return ERROR_SUCCESS;
 }

@@ -1,4 +1,4 @@
-// PEM text, in which the pinned certificates are carried.
+// PEM text, the format of the pinned certificates.
 #pragma once
 
 #include <string_view>
@@ -7,7 +7,7 @@
 namespace vantor {
 
 /// The Base64 text between each "-----BEGIN CERTIFICATE-----" and the "-----END CERTIFICATE-----" that follows it, in
-/// order, as views into pem. A beginning without an end is left out.
+/// order, as views into pem. A certificate without an end line is skipped.
 std::vector<std::string_view> SplitPem(std::string_view pem);
 
 } // namespace vantor

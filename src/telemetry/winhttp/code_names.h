@@ -1,4 +1,4 @@
-// Names of numeric codes for log lines and diagnostics.
+// Names of WinHTTP and HTTP codes for log lines.
 #pragma once
 
 #include <cstdint>
@@ -10,11 +10,11 @@ namespace vantor {
 /// "Unknown error (" + decimal + ")".
 std::string WinHttpErrorName(std::uint32_t code);
 
-/// A failure as log lines name it: the error's name, a blank and its number.
+/// The error's name, a blank and its number, as used in log lines.
 std::string NamedWinHttpError(std::uint32_t code);
 
-/// The name of the WinHTTP callback status constant (winhttp.h) with exactly this value. Any other value, a
-/// combination of flags included, gives "Unknown status (" + decimal + ")".
+/// The name of the WinHTTP callback status constant (winhttp.h) with exactly this value. Any other value, including
+/// combinations of flags, gives "Unknown status (" + decimal + ")".
 std::string WinHttpStatusName(std::uint32_t status);
 
 /// The reason phrase registered for an HTTP status code. Any other code gives "Unknown status (" + decimal + ")".

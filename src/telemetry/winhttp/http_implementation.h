@@ -1,4 +1,4 @@
-// The call layer that reaches WinHTTP.
+// The implementation of IHTTP that calls WinHTTP.
 #pragma once
 
 #include "run/log/logger.h"
@@ -8,9 +8,9 @@
 
 namespace vantor {
 
-/// Forwards each call to WinHTTP. The calls that create, configure or close handles are logged first, with every
-/// argument: also the user name and the password given to SetCredentials, in clear. With an empty logger nothing is
-/// written. Handles are closed only by their owners, through CloseHandle.
+/// Forwards each call to WinHTTP. Calls that create, configure or close handles are logged first, with all arguments,
+/// including the user name and the password given to SetCredentials in clear text. Without a logger, nothing is logged.
+/// Handles are closed only by their owners, through CloseHandle.
 class HttpImplementation : public IHTTP {
 public:
     explicit HttpImplementation(std::shared_ptr<ILogger> logger);
@@ -41,7 +41,7 @@ public:
                       DWORD* index) override;
 
 private:
-    /// Logs an operation with its arguments, given as name and value in turn.
+    /// Logs an operation with its arguments, given as alternating names and values.
     template <typename... Arguments>
     void Trace(const char* operation, const Arguments&... arguments) const;
 

@@ -1,4 +1,4 @@
-// The one interface through which all WinHTTP calls of the transport and the proxy code pass.
+// The interface for the WinHTTP calls of the transport and the proxy code.
 #pragma once
 
 #include <windows.h>
@@ -7,8 +7,8 @@
 
 namespace vantor {
 
-/// One operation for each WinHTTP function of the same name, with its arguments and results. Every operation returns
-/// what WinHTTP returned and leaves the last-error value as WinHTTP set it.
+/// One operation per WinHTTP function, with the same name, arguments and results. Each returns what WinHTTP returned
+/// and leaves the last-error value as WinHTTP set it.
 class IHTTP {
 public:
     virtual ~IHTTP() = default;
