@@ -98,7 +98,7 @@ bool CHTTPProxyManager::ShouldFallBack()
         return false;
     }
     if (!m_host.config.m_proxyTimeoutFallbackToDirect) {
-        log.Trace("false, fallback configured to direct."); // it is not; the words are old, support knows them
+        log.Trace("false, fallback configured to direct."); // misleading (it is not), but support knows the text
         return false;
     }
     m_savedSession = std::exchange(m_currentSession, m_directSession);

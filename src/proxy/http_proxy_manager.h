@@ -1,4 +1,4 @@
-// Which way requests take: direct, through a named proxy, or through one found automatically.
+// Chooses how requests are sent: directly, through a named proxy, or through one found automatically.
 #pragma once
 
 #include "proxy/auth/proxy_host.h"
@@ -10,9 +10,9 @@
 
 namespace vantor {
 
-/// Owns one session of each kind and keeps the one in use; implements the one-shot fallback from a proxy to a direct
-/// connection. Unconfigured until InitConfig. Used from one thread. Throws nothing of its own; failures are in its
-/// results and the log, all at trace level. Does nothing when the call layer is null.
+/// Owns one session of each kind, selects the one in use, and implements the one-time fallback from a proxy to a direct
+/// connection. Call InitConfig first, and use it from one thread. Throws no exceptions of its own: failures are
+/// returned, and logged at trace level. Does nothing if http is null.
 class CHTTPProxyManager {
 public:
     CHTTPProxyManager(std::shared_ptr<IHTTP> http, ProxyCalls calls, std::shared_ptr<ILogger> logger,
@@ -20,10 +20,11 @@ public:
     CHTTPProxyManager(const CHTTPProxyManager&) = delete;
     CHTTPProxyManager& operator=(const CHTTPProxyManager&) = delete;
 
-    /// Copies and logs the configuration (the password in clear), chooses the session and ends any fallback.
+    /// Copies and logs the configuration (including the password in clear text), selects the session and ends any
+    /// fallback.
     void InitConfig(const ProxyConfig& config);
 
-    /// Opens a WinHTTP session on the session in use; null on failure. See CHTTPSession::Open for the timeout.
+    /// Opens a WinHTTP session of the kind in use; null on failure. See CHTTPSession::Open for the timeout.
     HINTERNET OpenSession(std::uint32_t* timeout);
 
     /// Prepares a request for one attempt; false on failure.
@@ -33,18 +34,18 @@ public:
     /// Cleans up after the attempt; false on failure.
     bool CleanRequest(const ProxyAuthSchemePtr& scheme);
 
-    /// Turns to the direct session and answers true, unless a fallback is in force, no proxy is in use, or the
+    /// Switches to the direct session and returns true, unless a fallback is already active, no proxy is in use, or the
     /// configuration does not allow it.
     bool ShouldFallBack();
 
-    /// Ends a fallback: the proxy session is in use again. False when none was in force.
+    /// Ends a fallback by switching back to the proxy session. False if none was active.
     bool ClearFallBack();
 
     bool ProxyFallbackIsConfigured() const;
 
     bool IsFallbackInForce() const { return m_savedSession != nullptr; }
 
-    /// The impersonation for the current user's scheme; lives as long as the manager.
+    /// The impersonation for the current-user scheme; lives as long as the manager.
     UserImpersonation& Impersonator() { return m_impersonator; }
 
     const ProxyConfig& Config() const { return m_host.config; }

@@ -108,7 +108,7 @@ void C_HTTPProxyAuthListManager::MatchMsAuthenticationSchemes(DWORD mask)
 {
     const OperationLog log(m_logger, "C_HTTPProxyAuthListManager::MatchMsAuthenticationSchemes");
     for (const auto& [offered, value, isMatch] : MatchSchemes(m_configured, mask)) {
-        LookUpAuthenticationSchemeByRepAuthenticationScheme(value); // names an unknown one in the log
+        LookUpAuthenticationSchemeByRepAuthenticationScheme(value); // logs an unknown one
         if (isMatch) {
             m_queue.push_back(value);
             log.Trace(" use rep-authentication scheme = " + std::to_string(value));

@@ -1,4 +1,4 @@
-// Which proxy authentication scheme each attempt of a request uses.
+// Chooses the proxy authentication scheme for each attempt of a request.
 #pragma once
 
 #include "proxy/auth/proxy_auth_scheme.h"
@@ -15,34 +15,33 @@
 
 namespace vantor {
 
-/// Made for each request: keeps the queue of schemes still to try, and learns their order from the proxy's first 407
-/// answer. Per attempt: InitRequest, send, CleanRequest, then FindNextAuthenticationScheme; again while
-/// WantsAnotherAttempt. All messages are at trace level.
+/// One object per request. It keeps the queue of schemes still to try and learns their order from the proxy's first 407
+/// answer. For each attempt: InitRequest, send, CleanRequest, FindNextAuthenticationScheme; repeat while
+/// WantsAnotherAttempt returns true. All messages are at trace level.
 class C_HTTPProxyAuthListManager {
 public:
-    /// The manager outlives this object.
+    /// The manager must outlive this object.
     C_HTTPProxyAuthListManager(CHTTPProxyManager& manager, std::shared_ptr<ILogger> logger);
 
-    /// Takes the front scheme off the queue and prepares the request with it; without one, with none. Non-zero for
-    /// success.
+    /// Removes the front scheme from the queue and prepares the request with it, or without any if the queue is empty.
+    /// False on failure.
     bool InitRequest(HINTERNET session, HttpRequest& request, const std::wstring& url);
 
-    /// Cleans up after the attempt; false when no scheme was in use, otherwise the manager's result.
+    /// Cleans up after the attempt. False if no scheme was in use, otherwise the manager's result.
     bool CleanRequest();
 
-    /// Looks at the answer to an attempt. The first 407 fills the queue with the configured schemes that the proxy
-    /// supports, once for each scheme that it offers; anything but a 407 empties the queue.
+    /// Evaluates the answer to an attempt. The first 407 fills the queue with the configured schemes that the proxy
+    /// supports, once for each scheme that it offers; any other answer empties the queue.
     void FindNextAuthenticationScheme(HttpRequest& request);
 
-    /// Whether the queue holds a scheme that was not tried yet; those that were are taken off its front. It may name a
-    /// scheme several times, but repeating one wrong password would lock an account.
+    /// Whether the queue holds a scheme that has not been tried; removes those that have from its front. The queue may
+    /// hold a scheme several times, but sending a wrong password repeatedly could lock the account.
     bool WantsAnotherAttempt();
 
-    /// The scheme object of a product scheme value; null for an unknown one.
+    /// The scheme object for a product scheme value; null if it is unknown.
     ProxyAuthSchemePtr LookUpAuthenticationSchemeByRepAuthenticationScheme(std::uint32_t value) const;
 
-    /// Appends to the queue, for each bit of the mask, every configured scheme whose WinHTTP value shares a bit with
-    /// the whole mask. The repetitions are part of the negotiation.
+    /// Appends the matches of MatchSchemes to the queue.
     void MatchMsAuthenticationSchemes(DWORD mask);
 
 private:
@@ -54,7 +53,7 @@ private:
     bool m_proxyQueried = false;
     CHTTPProxyManager& m_manager;
     std::vector<std::uint32_t> m_configured;
-    std::array<ProxyAuthSchemePtr, kSchemeCount> m_schemes; ///< by product scheme value
+    std::array<ProxyAuthSchemePtr, kSchemeCount> m_schemes; ///< indexed by product scheme value
     ProxyAuthSchemePtr m_inUse;                             ///< null between attempts
     std::set<std::uint32_t> m_tried;
     std::shared_ptr<ILogger> m_logger;

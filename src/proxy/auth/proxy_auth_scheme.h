@@ -1,4 +1,4 @@
-// The ways in which a request authenticates to a proxy.
+// Proxy authentication schemes.
 #pragma once
 
 #include "proxy/auth/proxy_host.h"
@@ -8,7 +8,7 @@
 
 namespace vantor {
 
-/// Base of all schemes. As it stands it sets nothing on the request. All messages are at trace level.
+/// Base of all schemes, which sets nothing on the request. All messages are at trace level.
 class CHTTPProxyAuthScheme {
 public:
     virtual ~CHTTPProxyAuthScheme() = default;
@@ -18,11 +18,11 @@ public:
     /// Prepares the request for one attempt; false on failure.
     virtual bool InitRequest(const ProxyHost& host, HttpRequest& request);
 
-    /// Undoes what InitRequest did to the thread; false on failure.
+    /// Reverts what InitRequest changed on the thread; false on failure.
     virtual bool CleanRequest();
 
 protected:
-    /// Logs the message under the constructor's name.
+    /// Logs the message under the name of the derived class's constructor.
     CHTTPProxyAuthScheme(std::shared_ptr<ILogger> logger, DWORD msScheme, const char* constructor, const char* message);
 
     /// Sets the configured user name and password on the request for this scheme; false on failure.

@@ -27,7 +27,8 @@ bool CHTTPProxyAuthUser::InitRequest(const ProxyHost& host, HttpRequest& request
         log.Trace("m_impersonator is null.");
         return false;
     }
-    // Which option the call was once meant to set is not known; WinHTTP refuses option 0, so this scheme fails here.
+    // It is not known which option this call was meant to set. WinHTTP rejects option 0, so the scheme always fails
+    // here.
     if (!m_impersonator->Impersonate(host.config.m_currentUser) || !request.SetOption(0, nullptr, 0)) {
         const LastErrorKeeper keeper;
         log.Trace("Automatic logon failed.");

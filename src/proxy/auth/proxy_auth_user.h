@@ -1,4 +1,4 @@
-// Authentication to a proxy as the logged-on user.
+// Proxy authentication as the logged-on user.
 #pragma once
 
 #include "proxy/auth/proxy_auth_scheme.h"
@@ -7,13 +7,13 @@ namespace vantor {
 
 class UserImpersonation;
 
-/// REP_PROXY_AUTH_SCHEME_CURRENT_USER: the thread acts as that user for the attempt, whose logon WinHTTP then uses; no
-/// user name and no password are set.
+/// REP_PROXY_AUTH_SCHEME_CURRENT_USER: the thread impersonates that user for the attempt, so that WinHTTP uses the
+/// user's logon. No user name or password is set.
 class CHTTPProxyAuthUser : public CHTTPProxyAuthScheme {
 public:
-    /// The impersonator, which may be null, outlives the scheme.
+    /// The impersonator may be null; otherwise it must outlive the scheme.
     CHTTPProxyAuthUser(std::shared_ptr<ILogger> logger, UserImpersonation* impersonator);
-    ~CHTTPProxyAuthUser() override; ///< ends an impersonation that an exception left in force
+    ~CHTTPProxyAuthUser() override; ///< ends an impersonation that an exception left active
 
     bool InitRequest(const ProxyHost& host, HttpRequest& request) override;
     bool CleanRequest() override;

@@ -1,4 +1,4 @@
-// What the proxy manager gives its sessions and authentication schemes to work with.
+// What the proxy manager shares with its sessions and authentication schemes.
 #pragma once
 
 #include "proxy/calls/proxy_calls.h"
@@ -13,13 +13,13 @@
 namespace vantor {
 
 struct ProxyHost {
-    std::shared_ptr<IHTTP> http; ///< null: nothing is called
+    std::shared_ptr<IHTTP> http; ///< may be null; then no session or scheme is called
     ProxyCalls calls;
     std::shared_ptr<ILogger> logger; ///< may be null
     std::wstring userAgent;
     ProxyConfig config = {};
 
-    /// Sets the configured proxy user name and password on the request for one WinHTTP authentication scheme.
+    /// Sets the configured proxy user name and password on the request for one WINHTTP_AUTH_SCHEME_ value.
     bool SetCredentials(DWORD authScheme, HttpRequest& request) const;
 };
 

@@ -1,4 +1,4 @@
-// Which authentication schemes are tried, and in which order.
+// The choice and order of the authentication schemes to try.
 #pragma once
 
 #include "proxy/config/proxy_config.h"
@@ -15,22 +15,23 @@
 
 namespace vantor {
 
-/// WINHTTP_AUTH_SCHEME_ values by product scheme value (ProxyAuthScheme).
+/// WINHTTP_AUTH_SCHEME_ values, indexed by product scheme value (ProxyAuthScheme).
 inline constexpr std::array<DWORD, 5> kMsSchemes = {0, WINHTTP_AUTH_SCHEME_BASIC, WINHTTP_AUTH_SCHEME_NTLM,
                                                     WINHTTP_AUTH_SCHEME_NTLM, WINHTTP_AUTH_SCHEME_NEGOTIATE};
 
-/// A configured scheme beside one that the proxy offers.
+/// A configured scheme paired with one that the proxy offers.
 struct SchemeMatch {
     DWORD offered;            ///< a single WINHTTP_AUTH_SCHEME_ bit
     std::uint32_t configured; ///< product scheme value
     bool isMatch;
 };
 
-/// For each bit of the mask, every configured scheme in its order. A match is one whose WinHTTP value shares a bit
-/// with the whole mask, so each match comes once for each bit; the repetitions are part of the negotiation.
+/// For each bit of the mask, all configured schemes in order. A scheme matches if its WinHTTP value shares a bit with
+/// the whole mask, so each match is repeated for each bit; the repetitions are part of the negotiation.
 std::vector<SchemeMatch> MatchSchemes(std::span<const std::uint32_t> configured, DWORD mask);
 
-/// What to begin with: a single configured scheme; of several none, for the proxy's answer tells their order.
+/// The schemes to start with: a single configured scheme is tried at once; with several, the first attempt uses none,
+/// because the proxy's answer decides their order.
 std::list<std::uint32_t> FirstSchemes(std::span<const std::uint32_t> configured);
 
 } // namespace vantor

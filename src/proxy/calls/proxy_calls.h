@@ -1,4 +1,4 @@
-// The Windows calls of the proxy code that are not part of the HTTP call layer.
+// The Windows calls of the proxy code that are not part of IHTTP.
 #pragma once
 
 #include <memory>
@@ -9,14 +9,14 @@ class INameResolver;
 class IProxyDiscovery;
 class ITokenCalls;
 
-/// One narrow interface for each concern. None is empty while there is a call layer.
+/// One narrow interface per concern. All are set if the IHTTP pointer beside them is.
 struct ProxyCalls {
     std::shared_ptr<IProxyDiscovery> discovery;
     std::shared_ptr<INameResolver> resolver;
     std::shared_ptr<ITokenCalls> tokens;
 };
 
-/// Those that ask Windows.
+/// The implementations that call Windows.
 ProxyCalls WindowsProxyCalls();
 
 } // namespace vantor

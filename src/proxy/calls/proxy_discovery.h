@@ -1,4 +1,4 @@
-// WinHTTP's proxy discovery, which is not part of the HTTP call layer.
+// WinHTTP's proxy discovery, which is not part of IHTTP.
 #pragma once
 
 #include <windows.h>
@@ -10,7 +10,7 @@
 namespace vantor {
 
 /// Each operation forwards to one Windows function, returns its result and leaves the last-error value as
-/// Windows set it. Strings in the results belong to the caller, who frees them with GlobalFree.
+/// Windows set it. The caller owns the strings in the results and frees them with GlobalFree.
 class IProxyDiscovery {
 public:
     virtual ~IProxyDiscovery() = default;
@@ -18,17 +18,17 @@ public:
     virtual BOOL GetProxyForUrl(HINTERNET session, const wchar_t* url, WINHTTP_AUTOPROXY_OPTIONS& options,
                                 WINHTTP_PROXY_INFO& info) = 0;
 
-    /// WinHttpGetIEProxyConfigForCurrentUser: the settings of the user whom the thread acts as.
+    /// WinHttpGetIEProxyConfigForCurrentUser: the settings of the user that the thread impersonates.
     virtual BOOL GetUserProxyConfig(WINHTTP_CURRENT_USER_IE_PROXY_CONFIG& config) = 0;
 
     /// WinHttpGetDefaultProxyConfiguration: the machine's settings for WinHTTP.
     virtual BOOL GetDefaultProxyConfiguration(WINHTTP_PROXY_INFO& info) = 0;
 
-    /// GetTickCount64, in milliseconds: the clock by which results grow old.
+    /// GetTickCount64, in milliseconds: the clock for the age of cached results.
     virtual std::uint64_t TickCount() = 0;
 };
 
-/// The one that asks WinHTTP.
+/// The implementation that calls WinHTTP.
 class WinHttpProxyDiscovery : public IProxyDiscovery {
 public:
     BOOL GetProxyForUrl(HINTERNET session, const wchar_t* url, WINHTTP_AUTOPROXY_OPTIONS& options,

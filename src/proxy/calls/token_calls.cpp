@@ -9,9 +9,9 @@ namespace vantor {
 
 void WindowsTokenCalls::LoadModules()
 {
-    // What WinHTTP binds on first use: for names, addresses and routes, for detection (by DHCP as well) and scripts
-    // (where those cannot be run outside this process), and for TLS and logons, since the current-user scheme sends
-    // as the user. A Windows that lacks one of them does not need it either.
+    // What WinHTTP binds on first use: for names, addresses and routes; for detection, including DHCP, and scripts (if
+    // they cannot run outside this process); and for TLS and logons, because the current-user scheme sends while
+    // impersonating. A version of Windows that lacks one of them does not need it.
     for (const wchar_t* const module : {L"winhttp.dll",   L"webio.dll",      L"OnDemandConnRouteHelper.dll",
                                         L"ws2_32.dll",    L"mswsock.dll",    L"dnsapi.dll",
                                         L"rasadhlp.dll",  L"fwpuclnt.dll",   L"nlaapi.dll",
@@ -45,7 +45,7 @@ BOOL WindowsTokenCalls::RevertToSelf()
 KernelHandle WindowsTokenCalls::DuplicateHandle(HANDLE token)
 {
     KernelHandle copy;
-    HANDLE self = ::GetCurrentProcess(); // no handle of its own to close
+    HANDLE self = ::GetCurrentProcess(); // a pseudo handle, which needs no closing
     ::DuplicateHandle(self, token, self, copy.Receive(), 0, FALSE, DUPLICATE_SAME_ACCESS);
     return copy;
 }

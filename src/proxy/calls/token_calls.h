@@ -1,4 +1,4 @@
-// The Windows calls by which a thread acts as the logged-on user.
+// The Windows calls for impersonating the logged-on user.
 #pragma once
 
 #include "platform/owner.h"
@@ -12,17 +12,17 @@ namespace vantor {
 
 inline constexpr DWORD kNoSession = 0xFFFFFFFF;
 
-/// Each operation forwards to the Windows function of its name and leaves the last-error value as Windows set it.
-/// Handles come back with their owner; an empty one means failure.
+/// Each operation forwards to the Windows function of the same name and leaves the last-error value as Windows set it.
+/// Handles are returned in an owner, which is empty on failure.
 class ITokenCalls {
 public:
     virtual ~ITokenCalls() = default;
 
-    /// Loads the modules that Windows is known to bind on first use in what the thread does as the user, who could have
-    /// remapped the drive letter that they are loaded from. A module that only a later Windows needs may be missing.
+    /// Loads the modules that Windows is known to bind on first use while the thread impersonates the user, who could
+    /// have remapped the drive letter that they are loaded from. Modules that only newer versions need may be missing.
     virtual void LoadModules() = 0;
 
-    /// The calling thread's token, opened with the process's own rights; ERROR_NO_TOKEN: it impersonates nobody.
+    /// The calling thread's token, opened with the process's own rights; ERROR_NO_TOKEN if it is not impersonating.
     virtual KernelHandle OpenThreadToken(DWORD access) = 0;
     virtual BOOL ImpersonateLoggedOnUser(HANDLE token) = 0;
     virtual BOOL RevertToSelf() = 0;
@@ -34,25 +34,26 @@ public:
     virtual KernelHandle OpenProcess(DWORD access, DWORD processId) = 0;
     virtual KernelHandle OpenProcessToken(HANDLE process, DWORD access) = 0;
 
-    /// WTSGetActiveConsoleSessionId: the session at the machine's own screen; kNoSession: there is none just now.
+    /// WTSGetActiveConsoleSessionId: the session at the machine's own screen; kNoSession if there is none at the
+    /// moment.
     virtual DWORD ActiveConsoleSession() = 0;
 
-    /// ProcessIdToSessionId; kNoSession: the process is gone.
+    /// ProcessIdToSessionId; kNoSession if the process is gone.
     virtual DWORD SessionOf(DWORD processId) = 0;
 
-    /// Whether the token is the local system account's (GetTokenInformation, IsWellKnownSid).
+    /// Whether the token belongs to the local system account (GetTokenInformation, IsWellKnownSid).
     virtual bool IsSystem(HANDLE token) = 0;
 
     virtual BOOL SaferCreateLevel(DWORD scope, DWORD level, DWORD flags, SAFER_LEVEL_HANDLE& handle) = 0;
-    /// From the token of the thread or the process, without flags.
+    /// Derives the token from that of the thread or the process, without flags.
     virtual KernelHandle SaferComputeTokenFromLevel(SAFER_LEVEL_HANDLE level) = 0;
     virtual BOOL SaferCloseLevel(SAFER_LEVEL_HANDLE level) = 0;
 
-    /// Ends the process at once: no destructor and no other code of the program runs.
+    /// Ends the process at once. No destructor or other code of the program runs.
     virtual void EndProcess() = 0;
 };
 
-/// The one that asks Windows.
+/// The implementation that calls Windows.
 class WindowsTokenCalls : public ITokenCalls {
 public:
     void LoadModules() override;

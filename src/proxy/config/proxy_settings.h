@@ -1,4 +1,4 @@
-// How the proxy options become what WinHTTP is given.
+// Translates the proxy options into WinHTTP's terms.
 #pragma once
 
 #include "run/config/run_config.h"
@@ -7,15 +7,15 @@
 
 namespace vantor {
 
-/// True when a proxy was named: both a server and a port.
+/// Whether the options name a proxy, with both server and port.
 bool HasExplicitProxy(const RunConfig& config);
 
-/// The proxy's address "SERVER:PORT". A server with ":" is an IPv6 literal and is written in brackets; one typed with
-/// a scheme stays as typed.
+/// The proxy's address, "SERVER:PORT". A server that contains ":" is an IPv6 literal and is put in brackets, unless it
+/// was given with a scheme or brackets.
 std::string ProxyAddress(const RunConfig& config);
 
-/// The name to log on with at the proxy: the user name, or the principal when there is none. A domain is joined as
-/// "DOMAIN\name" unless the name carries one already ("\" or "@").
+/// The user name for the proxy, or the principal if there is none. A domain is prepended, "DOMAIN\name", unless the
+/// name already contains one ("\" or "@").
 std::string ProxyUserName(const RunConfig& config);
 
 } // namespace vantor

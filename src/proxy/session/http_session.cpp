@@ -22,7 +22,7 @@ HINTERNET CHTTPSession::Open(std::uint32_t*, std::uint32_t)
 
 bool CHTTPSession::InitRequest(HINTERNET, HttpRequest&, const std::wstring&, const ProxyAuthSchemePtr& scheme)
 {
-    if (scheme) { // the message is old; support knows it
+    if (scheme) { // misleading, but support knows the text
         Log("CHTTPSession::InitRequest").Trace("False, authScheme null.");
     }
     return true;

@@ -12,7 +12,7 @@ namespace {
 
 constexpr DWORD kDetectFlags = WINHTTP_AUTO_DETECT_TYPE_DHCP | WINHTTP_AUTO_DETECT_TYPE_DNS_A;
 
-/// Whether the flags ask for nothing that the rest of the configuration lacks.
+/// Whether the configuration has everything that its flags require.
 bool IsConsistent(const ProxyConfig& config)
 {
     const bool detectsNothing =
@@ -25,7 +25,7 @@ WINHTTP_AUTOPROXY_OPTIONS MakeOptions(const ProxyConfig& config)
 {
     WINHTTP_AUTOPROXY_OPTIONS options{};
     options.dwFlags = config.m_wpadFlags;
-    if (config.m_wpadFlags & WINHTTP_AUTOPROXY_AUTO_DETECT) { // they must be 0 otherwise
+    if (config.m_wpadFlags & WINHTTP_AUTOPROXY_AUTO_DETECT) { // otherwise WinHTTP requires 0
         options.dwAutoDetectFlags = config.m_wpadDetectFlags & kDetectFlags;
     }
     options.lpszAutoConfigUrl = config.m_wpadConfigUrl.empty() ? nullptr : config.m_wpadConfigUrl.c_str();
@@ -62,7 +62,7 @@ bool CHTTPSessionAutoProxy::InitProxy(HINTERNET session, HttpRequest& request, c
     log.Trace(texts::kAutoproxyLpszProxy + TextOrNull(found.proxy));
     log.Trace("Autoproxy lpszProxyBypass: " + TextOrNull(found.bypass));
 
-    const bool hasBypass = found.bypass && *found.bypass.Get() != L'\0'; // WinHTTP takes none, but no empty one
+    const bool hasBypass = found.bypass && *found.bypass.Get() != L'\0'; // WinHTTP accepts null, but not an empty one
     WINHTTP_PROXY_INFO info{found.accessType, found.proxy.Get(), hasBypass ? found.bypass.Get() : nullptr};
     if (!request.SetOption(WINHTTP_OPTION_PROXY, &info, sizeof(info))) {
         const LastErrorKeeper error;

@@ -8,8 +8,8 @@
 
 namespace vantor {
 
-/// Opens like the direct session; before each request it asks WinHTTP for the URL's proxy (WPAD or an auto-config
-/// script), then for the system's own settings, and sets what it finds on the request.
+/// Opens like the direct session. Before each request it asks WinHTTP for the URL's proxy (WPAD or an auto-config
+/// script), then for the system's own settings, and sets the result on the request.
 class CHTTPSessionAutoProxy : public CHTTPSessionProxy {
 public:
     explicit CHTTPSessionAutoProxy(const ProxyHost& host);
@@ -19,10 +19,10 @@ public:
     bool CleanRequest(const ProxyAuthSchemePtr& scheme) override;
 
 private:
-    /// Finds the proxy for the URL and sets it on the request; where none is found, direct access.
+    /// Finds the proxy for the URL and sets it on the request, or direct access if there is none.
     bool InitProxy(HINTERNET session, HttpRequest& request, const std::wstring& url);
 
-    /// The proxy for the URL, and why WinHTTP named none.
+    /// The proxy for the URL, or direct access; logs why WinHTTP found none.
     ProxyInfo FindProxy(HINTERNET session, const std::wstring& url, const OperationLog& log);
 
     SystemProxy m_system;

@@ -9,7 +9,7 @@
 namespace vantor {
 namespace {
 
-/// The address of a name, if a query finds one; why not is logged.
+/// The IPv4 address of a name; std::nullopt if the query finds none, which is logged.
 std::optional<std::uint32_t> Query(INameResolver& resolver, const std::wstring& name,
                                    std::optional<std::uint32_t> server, const OperationLog& log)
 {

@@ -5,16 +5,17 @@
 
 namespace vantor {
 
-/// Opens with the configured proxy, whose name is first resolved through the configured DNS server when there is one.
+/// Opens with the configured proxy, resolving its name through the configured DNS server if there is one.
 class CHTTPSessionNamedProxy : public CHTTPSessionProxy {
 public:
     explicit CHTTPSessionNamedProxy(const ProxyHost& host);
 
-    /// Sets *timeout also when opening fails. A proxy that cannot be resolved is ERROR_WINHTTP_NAME_NOT_RESOLVED.
+    /// Sets *timeout even if opening fails. The last error is ERROR_WINHTTP_NAME_NOT_RESOLVED if the proxy's name
+    /// cannot be resolved.
     HINTERNET Open(std::uint32_t* timeout, std::uint32_t proxyTimeout) override;
 
-    /// Stores the proxy to use in *name: the configured address as it is, or, with a DNS server, the IPv4 address that
-    /// this server knows for it, without a port. False, with nothing stored, when name is null or a lookup fails.
+    /// Stores the proxy to use in *name: the configured address as is, or, with a DNS server, the IPv4 address that the
+    /// server gives for it, without a port. False, with *name unchanged, if name is null or a lookup fails.
     bool DetermineProxyName(std::wstring* name) const;
 };
 

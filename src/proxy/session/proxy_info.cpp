@@ -45,7 +45,7 @@ ProxyAnswer GetProxyForUrl(IProxyDiscovery& discovery, HINTERNET session, const 
         asked.dwFlags |= where;
         const BOOL found = discovery.GetProxyForUrl(session, url.c_str(), asked, answer);
         error = found ? ERROR_SUCCESS : LastErrorOr(ERROR_WINHTTP_INTERNAL_ERROR);
-        if (error != ERROR_INVALID_PARAMETER) { // as a Windows refuses a flag that it does not know
+        if (error != ERROR_INVALID_PARAMETER) { // what Windows returns for an unknown flag
             break;
         }
     }

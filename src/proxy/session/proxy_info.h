@@ -1,4 +1,4 @@
-// What WinHTTP says of the proxy for a URL.
+// Asking WinHTTP for the proxy of a URL.
 #pragma once
 
 #include "platform/owner.h"
@@ -8,27 +8,27 @@
 
 namespace vantor {
 
-/// WINHTTP_PROXY_INFO with owners for its strings; direct access unless it is filled.
+/// WINHTTP_PROXY_INFO that owns its strings; direct access by default.
 struct ProxyInfo {
     DWORD accessType = WINHTTP_ACCESS_TYPE_NO_PROXY;
     GlobalText proxy;
     GlobalText bypass;
 };
 
-/// A proxy that was looked for.
+/// Result of looking for a proxy.
 struct ProxyAnswer {
-    DWORD error = ERROR_SUCCESS; ///< why none was found
+    DWORD error = ERROR_SUCCESS; ///< why none was found; 0 if one was
     ProxyInfo info = {};
 };
 
-/// Throws std::bad_alloc.
+/// A copy with strings of its own. Throws std::bad_alloc.
 ProxyInfo Copy(const ProxyInfo& info);
 
-/// The text for the log, "<null>" for none.
+/// The text for the log, or "<null>".
 std::string TextOrNull(const GlobalText& text);
 
-/// WinHttpGetProxyForUrl, with scripts run outside this process, since whoever answers the search for them may have
-/// written them; where this Windows does not know that, inside.
+/// WinHttpGetProxyForUrl. Scripts run outside this process, because they come from whoever answers the search for them;
+/// a version of Windows that does not support this runs them inside.
 ProxyAnswer GetProxyForUrl(IProxyDiscovery& discovery, HINTERNET session, const std::wstring& url,
                            const WINHTTP_AUTOPROXY_OPTIONS& options);
 

@@ -17,7 +17,7 @@ bool IsGiven(const GlobalText& text)
 
 void LogFailedDiscovery(const OperationLog& log)
 {
-    log.Trace("Setting m_systemProxyDiscoverySucceeded = false"); // an old name; support knows it
+    log.Trace("Setting m_systemProxyDiscoverySucceeded = false"); // an old name that support knows
 }
 
 } // namespace
@@ -41,7 +41,7 @@ std::optional<ProxyInfo> SystemProxy::TrySystemProxyInfo(HINTERNET session, cons
             log.Trace("proxyConfig.m_systemProxyLifeTime expired " + std::to_string(lifeTime));
         }
         m_systemProxyDiscoveryTime = now;
-        m_systemProxy.reset(); // should memory run out on the way
+        m_systemProxy.reset(); // not left outdated if Discover throws
         m_systemProxy = Discover(session, url, log);
     }
     return m_systemProxy ? std::optional(Copy(*m_systemProxy)) : std::nullopt;
@@ -94,7 +94,7 @@ ProxyAnswer SystemProxy::TryCurrentUserProxyConfig(HINTERNET session, const std:
     }
     log.Trace("No pac file nor proxy found");
     LogFailedDiscovery(log);
-    return {ERROR_FILE_NOT_FOUND}; // as WinHTTP says it of a user who has no settings at all
+    return {ERROR_FILE_NOT_FOUND}; // WinHTTP's error for a user without any settings
 }
 
 std::optional<ProxyInfo> SystemProxy::TrySystemWideProxyConfig()

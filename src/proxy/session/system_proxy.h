@@ -12,14 +12,14 @@
 
 namespace vantor {
 
-/// Remembers what it found last. Everything is logged at trace level, under the session's name.
+/// Caches the last result. Everything is logged at trace level, under the session's name.
 class SystemProxy {
 public:
-    /// The host outlives this object.
+    /// The host must outlive this object.
     explicit SystemProxy(const ProxyHost& host) : m_host(host) {}
 
-    /// The proxy for the URL by the system's own settings, or once more the last answer, a failure included, while its
-    /// life time lasts. Nothing when the configuration does not ask for it, or there is none.
+    /// The proxy for the URL according to the system's own settings, or the cached result, including a failure, while
+    /// it is valid. std::nullopt if the configuration does not ask for it or there is no proxy.
     std::optional<ProxyInfo> TrySystemProxyInfo(HINTERNET session, const std::wstring& url);
 
 private:
@@ -34,9 +34,9 @@ private:
     std::optional<ProxyInfo> TrySystemWideProxyConfig();
 
     const ProxyHost& m_host;
-    std::mutex m_mutex;                           ///< guards all below
-    std::uint64_t m_systemProxyDiscoveryTime = 0; ///< in milliseconds of the tick counter; 0: never
-    std::optional<ProxyInfo> m_systemProxy;       ///< found then; nothing: m_systemProxyDiscoverySucceeded is false
+    std::mutex m_mutex;                           ///< guards the members below
+    std::uint64_t m_systemProxyDiscoveryTime = 0; ///< tick count in milliseconds; 0: never
+    std::optional<ProxyInfo> m_systemProxy;       ///< empty: discovery failed (m_systemProxyDiscoverySucceeded = false)
 };
 
 } // namespace vantor

@@ -22,12 +22,12 @@ std::vector<std::string> ReadShellNames()
     const auto shell = winlogon ? winlogon->QueryWholeText(L"Shell") : std::nullopt;
     std::vector<std::string> names;
     for (const std::wstring& name : ShellNames(shell.value_or(L"Explorer.exe"))) {
-        names.push_back(LowerCase(ToNarrow(name))); // as the list of processes has them
+        names.push_back(LowerCase(ToNarrow(name))); // like the process list
     }
     return names;
 }
 
-/// Logs a failed call with the last error, which stays.
+/// Logs a failed call with the last error, and keeps it.
 KernelHandle Fail(const OperationLog& log, const std::string& message)
 {
     const LastErrorKeeper error;
@@ -42,8 +42,8 @@ std::string Hexadecimal(DWORD number)
     return text;
 }
 
-/// The identifiers of the processes that have one of the names, those of the session at the machine's screen first:
-/// elsewhere users may be disconnected.
+/// The ids of the processes with one of the names. Those in the session at the machine's own screen come first, because
+/// users in other sessions may be disconnected.
 std::vector<DWORD> IsAnyProcessRunning(ITokenCalls& tokens, const std::vector<std::string>& names, const Logger& logger)
 {
     const ProcessList list = tokens.ListProcesses();
@@ -63,7 +63,7 @@ std::vector<DWORD> IsAnyProcessRunning(ITokenCalls& tokens, const std::vector<st
     return ids;
 }
 
-/// The token of a shell's user; empty when it cannot be had.
+/// The token of a shell's user; empty if it cannot be opened.
 KernelHandle GetShellToken(ITokenCalls& tokens, DWORD id, const OperationLog& log)
 {
     const KernelHandle process = tokens.OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, id);
@@ -74,7 +74,7 @@ KernelHandle GetShellToken(ITokenCalls& tokens, DWORD id, const OperationLog& lo
     if (!user) {
         return Fail(log, "OpenProcessToken() failed for PID: 0x" + Hexadecimal(id) + " Err : ");
     }
-    if (tokens.IsSystem(user.Get())) { // where no desktop is installed, the shell is cmd.exe, which services run, too
+    if (tokens.IsSystem(user.Get())) { // without a desktop the shell is cmd.exe, which services also run
         log.Trace("Passed over, since SYSTEM is no logged-on user: PID:0x" + Hexadecimal(id));
         return {};
     }
@@ -98,7 +98,7 @@ KernelHandle GetExplorersToken(ITokenCalls& tokens, const Logger& logger)
     return {};
 }
 
-/// This account's token, without its privileges.
+/// This account's token without its privileges.
 KernelHandle GetSaferToken(ITokenCalls& tokens, const Logger& logger)
 {
     const OperationLog log(logger, "CHTTPSessionAutoProxy::GetSaferToken");

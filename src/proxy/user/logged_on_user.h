@@ -9,8 +9,8 @@
 
 namespace vantor {
 
-/// A token of the logged-on user, taken from the user's shell; where nobody is logged on, this account's own without
-/// its privileges. Empty when neither can be had; the last error says why.
+/// The logged-on user's token, taken from the user's shell; if nobody is logged on, this account's own token without
+/// its privileges. Empty if both fail; the last error says why.
 KernelHandle DiscoverUserToImpersonate(ITokenCalls& tokens, const std::shared_ptr<ILogger>& logger);
 
 } // namespace vantor

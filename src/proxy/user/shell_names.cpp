@@ -12,7 +12,7 @@ std::wstring_view SkipBlanks(std::wstring_view text)
     return text.substr(std::min(text.find_first_not_of(L" \t"), text.size()));
 }
 
-/// Takes the part of the text before the first comma that stands outside quotes.
+/// Removes and returns the part of the text before the first comma outside quotes.
 std::wstring_view TakeEntry(std::wstring_view& text)
 {
     std::size_t end = 0;
@@ -24,8 +24,8 @@ std::wstring_view TakeEntry(std::wstring_view& text)
     return entry;
 }
 
-/// The program of a command line in lower case. Without quotes it ends behind its ".exe", since paths contain blanks
-/// and arguments contain slashes; a program without one ends at the first blank.
+/// The program of a lower-case command line. Without quotes it ends after ".exe", because paths contain blanks and
+/// arguments contain slashes; without ".exe" it ends at the first blank.
 std::wstring_view ProgramOf(std::wstring_view command)
 {
     if (command.starts_with(L'"')) {

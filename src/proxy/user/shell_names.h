@@ -1,4 +1,4 @@
-// Under which names the logged-on user's shell runs.
+// Program names of the logged-on user's shell.
 #pragma once
 
 #include <string>
@@ -7,8 +7,8 @@
 
 namespace vantor {
 
-/// The program names in the registry value Shell (Winlogon): several are separated by commas, each may be a path, in
-/// quotes, with arguments. Each comes back as its file-name part, lower-cased; "explorer.exe" when there is none.
+/// The program names in Winlogon's registry value Shell, which holds a list separated by commas; an entry may be a
+/// path, quoted, and followed by arguments. Returns lower-case file names; "explorer.exe" if there are none.
 std::vector<std::wstring> ShellNames(std::wstring_view value);
 
 } // namespace vantor

@@ -48,7 +48,7 @@ bool UserImpersonation::Impersonate(HANDLE token)
         log.Trace("Failed to impersonate logged on user. Windows error: " + std::to_string(error.Error()));
         return false;
     }
-    m_user = std::move(user); // before anything that may throw: from here on there is something to end
+    m_user = std::move(user); // before anything that may throw: from here on it must be ended
     m_previous = std::move(previous);
     log.Trace("Impersonating logged on user");
     return true;

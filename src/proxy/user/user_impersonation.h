@@ -1,4 +1,4 @@
-// Making the calling thread act as the logged-on user, and itself again.
+// Impersonating the logged-on user on the calling thread.
 #pragma once
 
 #include "platform/owner.h"
@@ -9,8 +9,8 @@
 
 namespace vantor {
 
-/// The one owner of an impersonation: whatever it began ends at the latest when it is destroyed. Used on one thread.
-/// Everything is logged at trace level, but for a thread that cannot be made itself again.
+/// Owns an impersonation, which ends with the object at the latest. Used on one thread. Everything is logged at trace
+/// level, except a failure to revert the thread.
 class UserImpersonation {
 public:
     UserImpersonation(std::shared_ptr<ITokenCalls> tokens, std::shared_ptr<ILogger> logger);
@@ -18,19 +18,19 @@ public:
     UserImpersonation(const UserImpersonation&) = delete;
     UserImpersonation& operator=(const UserImpersonation&) = delete;
 
-    /// Makes the thread act as the token's user, or, when it is null, as the logged-on user, whom it looks for. The
-    /// token stays the caller's. On failure the thread is as it was, and the last error says why.
+    /// Impersonates the token's user or, if token is null, the logged-on user, whom it looks for. The caller keeps
+    /// ownership of the token. On failure the thread is unchanged, and the last error says why.
     bool Impersonate(HANDLE token);
 
-    /// Makes the thread act as whom it was before; does nothing when there is nothing to end. Keeps the last error. A
-    /// thread that would stay somebody else takes the process with it, also when memory runs out for the log.
+    /// Restores the thread's previous identity, if it was changed. Keeps the last error. Ends the process if the thread
+    /// cannot be reverted, even if there is no memory left to log that.
     void UnImpersonate() noexcept;
 
 private:
     std::shared_ptr<ITokenCalls> m_tokens;
     std::shared_ptr<ILogger> m_logger;
     KernelHandle m_user;     ///< held while impersonating
-    KernelHandle m_previous; ///< the thread's token before, if it had one
+    KernelHandle m_previous; ///< the thread's token before the impersonation, if any
 };
 
 } // namespace vantor
