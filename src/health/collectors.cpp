@@ -33,7 +33,7 @@ void SetMode(HealthRecord& record, const RunConfig& config)
     record.mode = ModeOf(config);
 }
 
-/// Only whether each proxy option was given, never its value.
+/// Reports only whether each proxy option was given, never its value.
 void SetProxyBits(TestResultBits& bits, const RunConfig& config)
 {
     const ScopeTrace scope("GetProxyInfo");
@@ -46,7 +46,7 @@ void SetProxyBits(TestResultBits& bits, const RunConfig& config)
     bits.Set(ResultBit::target, !config.target.empty());
 }
 
-/// What the integrity checks found earlier in the run.
+/// Copies the results of the integrity checks that ran earlier.
 void SetFilterDriverBits(TestResultBits& bits, const RunConfig& config)
 {
     bits.Set(ResultBit::vxedisk_deleteFlag, config.vxediskDeleteFlag);
@@ -84,7 +84,7 @@ HealthRecord CollectRecord(const RunConfig& config)
     return record;
 }
 
-/// "{ ", then a blank and the byte for every byte of the block, including the NULs that end the items.
+/// "{ ", a blank before each byte of the block, including the NULs that end the items, and "}".
 std::string RenderTextBlock(const TextBlock& block)
 {
     std::string text = "{ ";

@@ -68,7 +68,7 @@ void GetProcessInfo(HealthRecord& record, const ProcessMap& processes)
     for (const auto& [name, bit] : kNames) {
         record.bitfield_test_results.Set(bit, processes.contains(name));
     }
-    for (const auto& [name, id] : processes) { // of several with one name the last counts
+    for (const auto& [name, id] : processes) { // of several processes with the same name, the last one counts
         if (name == "vxshield.exe") {
             record.vxshield_mem_10mb = InTenMebibytes(GetProcessMem(id));
         } else if (name == "vxeatp.exe") {

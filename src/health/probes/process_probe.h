@@ -1,4 +1,4 @@
-// Which programs of interest are running, and how much memory those of the product use.
+// Which programs of interest are running, and how much memory the product's own processes use.
 #pragma once
 
 #include "health/record/health_record.h"
@@ -10,14 +10,13 @@
 
 namespace vantor {
 
-/// Identifiers of the running processes by image name, lower-cased.
+/// Process ids by lower-case image name.
 using ProcessMap = std::multimap<std::string, DWORD>;
 
-/// Takes one snapshot; empty, with a warning, when Windows refuses it.
+/// Takes one snapshot of the processes; empty, with a warning, on failure.
 ProcessMap MapProcesses();
 
-/// The working set of a process in bytes, its low 32 bits (GetProcessMemoryInfo); 0, with a warning, when it cannot
-/// be read.
+/// The low 32 bits of a process's working set in bytes (GetProcessMemoryInfo); 0, with a warning, if it cannot be read.
 std::uint32_t GetProcessMem(DWORD processId);
 
 /// Sets bits 7 to 15 and 27 and the two memory readings. Only the processes whose memory is reported are opened.

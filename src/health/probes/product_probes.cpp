@@ -14,7 +14,7 @@
 namespace vantor {
 namespace {
 
-/// A version number that counts only as a REG_DWORD; 65535 otherwise.
+/// A version number; 65535, with a warning, if it cannot be read or is not a REG_DWORD.
 std::uint16_t ReadContentNumber(const RegistryKey& key, const wchar_t* value)
 {
     DWORD data = 0;
@@ -32,7 +32,7 @@ std::uint8_t ReadCounter(const RegistryValue& counter)
     return static_cast<std::uint8_t>(std::min<std::uint32_t>(ReadDword(counter).value_or(0), 255));
 }
 
-/// The product's installation directories, in the order in which they are searched.
+/// The product's installation directories, in search order.
 std::vector<std::wstring> InstallDirectories()
 {
     std::vector<std::wstring> directories;

@@ -9,7 +9,7 @@
 namespace vantor {
 namespace {
 
-/// Makes a value an item, if it can be read.
+/// Adds the value as an item if it can be read.
 void AddText(TextItems& items, const RegistryValue& value, const std::string& prefix = "")
 {
     if (const auto text = ReadWholeText(value)) {
@@ -17,7 +17,7 @@ void AddText(TextItems& items, const RegistryValue& value, const std::string& pr
     }
 }
 
-/// What a probe found, logged under its name; "Unavailable" when that is nothing.
+/// Logs what a probe found and returns it, or "Unavailable" if there are no items.
 TextItems Conclude(const std::string& probe, TextItems items)
 {
     if (items.empty()) {

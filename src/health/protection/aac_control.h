@@ -1,21 +1,21 @@
-// The boundary to the product's access-protection module, vxeaaca.dll, which is a closed component of the product.
+// Interface of the product's access-protection module, vxeaaca.dll, a closed component of the product.
 //
-// The module exports NotComDllGetInterface and, behind it, the control object below. Whoever asks for it lets go of
-// the module right after the call, whatever came of it: a module that hands out a control object must hold a reference
-// of its own to itself until that object is released.
+// The module exports NotComDllGetInterface, which returns the control object below. The caller frees the module right
+// after the call, whether it succeeded or not, so a module that returns a control object must hold a reference to
+// itself until that object is released.
 #pragma once
 
 #include <windows.h>
 
 namespace vantor {
 
-/// All operations return 0 or a Windows error code. Texts are copied by the module. What the module hands out belongs
-/// to its control object and lives as long, unless said otherwise.
+/// All operations return 0 or a Windows error code. The module copies the texts it is given. Objects that it returns
+/// belong to its control object and live as long as that, unless stated otherwise.
 
-/// A set of rules, in force while it is added to the control object.
+/// A set of rules, in effect while it is added to the control object.
 class IAacPolicy;
 
-/// A rule: who may do what to which object.
+/// A rule: which process may access which object, and how.
 class IAacRule;
 
 /// What a rule applies to.
@@ -32,7 +32,7 @@ protected:
 class IAacMatchObjectBuilder {
 public:
     virtual DWORD MatchProcess(DWORD processId, IAacMatchObject** match) = 0;
-    /// Paths may hold wildcards; accessMask says which kinds of access are meant.
+    /// Paths may contain wildcards. The module defines the bits of accessMask.
     virtual DWORD MatchFilePath(const wchar_t* path, DWORD accessMask, IAacMatchObject** match) = 0;
     virtual DWORD MatchRegistryKey(const wchar_t* path, DWORD accessMask, IAacMatchObject** match) = 0;
     virtual DWORD MatchRegistryValue(const wchar_t* path, DWORD accessMask, IAacMatchObject** match) = 0;
@@ -43,7 +43,7 @@ protected:
 
 class IAacRuleBuilder {
 public:
-    /// An exclusion: the process that subject matches may access the objects that object matches.
+    /// An exclusion: processes that match subject may access what matches object.
     virtual DWORD BuildExclusion(const wchar_t* name, IAacMatchObject* subject, IAacMatchObject* object,
                                  IAacRule** rule) = 0;
 
@@ -53,14 +53,14 @@ protected:
 
 class IAacControl {
 public:
-    /// Makes the control object ready for the client with this identity. Called once, first.
+    /// Initialises the control object for the client with this id. Must be called once, first.
     virtual DWORD Create(const GUID& client) = 0;
     virtual DWORD GetPolicyBuilder(IAacPolicyBuilder** builder) = 0;
     virtual DWORD GetRuleBuilder(IAacRuleBuilder** builder) = 0;
     virtual DWORD GetMatchObjectBuilder(IAacMatchObjectBuilder** builder) = 0;
     virtual DWORD AddPolicy(IAacPolicy* policy) = 0;
     virtual DWORD AddRule(IAacPolicy* policy, IAacRule* rule) = 0;
-    /// Ends the policy's force and destroys it with its rules.
+    /// Revokes the policy and destroys it with its rules.
     virtual DWORD RemovePolicy(IAacPolicy* policy) = 0;
     /// Destroys the control object.
     virtual void Release() = 0;
@@ -69,8 +69,8 @@ protected:
     ~IAacControl() = default;
 };
 
-/// The module's export "NotComDllGetInterface": fills the pointer and returns 0 when it supports the named version of
-/// the control interface.
+/// The module's export "NotComDllGetInterface": sets the pointer and returns 0 if it supports the named version of the
+/// control interface.
 using NotComDllGetInterfaceFunction = DWORD(WINAPI*)(const wchar_t* interfaceName, void** interfacePointer);
 
 } // namespace vantor

@@ -12,7 +12,7 @@ namespace vantor {
 namespace {
 
 constexpr wchar_t kModule[] = L"vxeaaca.dll";
-constexpr wchar_t kClientId[] = L"{6B0E0C53-52B5-4F6C-9D13-1F6C2E9A74D8}"; // how the module knows this program
+constexpr wchar_t kClientId[] = L"{6B0E0C53-52B5-4F6C-9D13-1F6C2E9A74D8}"; // identifies this program to the module
 
 void LogCode(const char* message, DWORD code)
 {
@@ -127,7 +127,7 @@ bool ScopedAccessProtectionExclusionObject::AddExclusion(MatchFunction match, co
     IAacMatchObject* process = nullptr;
     IAacMatchObject* object = nullptr;
     IAacRule* rule = nullptr;
-    // What is handed out must be there: a rule without a subject might let everybody pass.
+    // Null objects must not be passed on: a rule without a subject might let every process pass.
     const bool added = matches->MatchProcess(::GetCurrentProcessId(), &process) == ERROR_SUCCESS && process &&
                        (matches->*match)(path, accessMask, &object) == ERROR_SUCCESS && object &&
                        rules->BuildExclusion(L"Exclusion rule for process", process, object, &rule) == ERROR_SUCCESS &&

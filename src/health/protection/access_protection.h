@@ -1,4 +1,4 @@
-// The product's access protection, and the exclusion that lets this program change what it protects.
+// The exclusion from the product's access protection that lets this program change protected objects.
 #pragma once
 
 #include "health/protection/aac_control.h"
@@ -7,8 +7,8 @@
 
 namespace vantor {
 
-/// While it lives, this process may access what was asked for. Made right before a protected change and destroyed
-/// right after it. When it cannot be had the change is tried all the same, and the product may refuse it. Failures are
+/// Gives this process the requested access for the lifetime of the object. Created right before a protected change and
+/// destroyed right after it. If it fails, the change is still attempted, and the product may block it. Failures are
 /// logged at trace level.
 class ScopedAccessProtectionExclusionObject {
 public:
@@ -17,16 +17,16 @@ public:
     ScopedAccessProtectionExclusionObject(const ScopedAccessProtectionExclusionObject&) = delete;
     ScopedAccessProtectionExclusionObject& operator=(const ScopedAccessProtectionExclusionObject&) = delete;
 
-    /// 0 for success, otherwise the error that ended the construction; then there is nothing to ask for.
+    /// 0 for success, otherwise the error that ended the construction; all requests then fail.
     DWORD InitialisationResult() const { return m_result; }
 
-    /// Access to a file path; wildcards are allowed. False when it is refused.
+    /// Requests access to a file path, which may contain wildcards. False on failure, as are the next two.
     bool AllowFilePathAccessToProcess(const wchar_t* path, std::uint32_t accessMask);
 
-    /// Access to a registry key, as "HKLM\" and its path.
+    /// Requests access to a registry key, given as "HKLM\" and its path.
     bool GetRegistryKeyAccessToProcess(const wchar_t* path, std::uint32_t accessMask);
 
-    /// Access to registry values, as the key's path and "\**".
+    /// Requests access to registry values, given as the key's path and "\**".
     bool GetRegistryValueAccessToProcess(const wchar_t* path, std::uint32_t accessMask);
 
 private:
@@ -38,7 +38,7 @@ private:
 
     IAacControl* m_control = nullptr;
     GUID m_policyId{};
-    IAacPolicy* m_policy = nullptr; ///< added to the control object
+    IAacPolicy* m_policy = nullptr; ///< null until it is added to the control object
     DWORD m_result;
 };
 

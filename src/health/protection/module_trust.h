@@ -1,5 +1,5 @@
-// Whether a module whose signature Windows trusts may be loaded into a process that runs as SYSTEM. Pure: the facts come
-// from the file and its signature.
+// Decides whether a module whose signature Windows trusts may be loaded into a process that runs as SYSTEM. Pure: the
+// caller reads the facts from the file and its signature.
 #pragma once
 
 #include "platform/files/file_facts.h"
@@ -8,20 +8,20 @@
 
 namespace vantor {
 
-/// What is known of a module's file.
+/// Facts about a module's file.
 struct ModuleFacts {
     FileFacts file;
-    std::wstring publisher;         ///< the name of its signer
-    bool isInCurrentFolder = false; ///< found there, and in no better place
+    std::wstring publisher;         ///< the signer's name
+    bool isInCurrentFolder = false; ///< found there and not in a better place
 };
 
-/// What is known of the program that would load it.
+/// Facts about the program that would load it.
 struct LoaderFacts {
-    std::wstring publisher; ///< the name of its signer; empty when the program is not signed
-    std::wstring user;      ///< the SID of the user as whom it runs
+    std::wstring publisher; ///< the signer's name; empty if the program is not signed
+    std::wstring user;      ///< the SID of the user it runs as
 };
 
-/// Why the module is not loaded, for the log; null when it may be.
+/// Why the module must not be loaded, for the log; null if it may be.
 const char* DescribeModuleFault(const ModuleFacts& module, const LoaderFacts& loader);
 
 } // namespace vantor

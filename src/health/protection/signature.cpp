@@ -11,7 +11,7 @@
 namespace vantor {
 namespace {
 
-/// The name of the first signer that a verification found.
+/// The name of the first signer found by a verification.
 std::wstring SignerName(HANDLE verification)
 {
     CRYPT_PROVIDER_DATA* const provider = wintrust::WTHelperProvDataFromStateData(verification);
@@ -21,7 +21,7 @@ std::wstring SignerName(HANDLE verification)
     if (!certificate || !certificate->pCert) {
         return {};
     }
-    std::array<wchar_t, 256> name{}; // a longer one is cut
+    std::array<wchar_t, 256> name{}; // a longer name is cut off
     crypt32::CertGetNameStringW(certificate->pCert, CERT_NAME_SIMPLE_DISPLAY_TYPE, 0, nullptr, name.data(),
                                 static_cast<DWORD>(name.size()));
     return name.data();

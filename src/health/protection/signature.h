@@ -8,14 +8,14 @@
 namespace vantor {
 
 struct Signature {
-    LONG verdict = 0;       ///< what WinVerifyTrust says: 0 for trusted
-    std::wstring publisher; ///< the signer's name, trusted or not (CertGetNameStringW); empty when there is none
+    LONG verdict = 0;       ///< result of WinVerifyTrust; 0: trusted
+    std::wstring publisher; ///< the signer's name, trusted or not (CertGetNameStringW); empty if there is none
 };
 
-/// What wintrust.dll and crypt32.dll of this Windows lack for the function below; empty when nothing is missing.
+/// What ReadSignature needs and this system's wintrust.dll and crypt32.dll lack; empty if nothing is missing.
 std::string FindMissingForSignatures();
 
-/// Judges the signature of an open file; the path is for Windows' own messages. Asks nobody on the network.
+/// Verifies the signature of an open file; the path is for Windows' own messages. Does not use the network.
 Signature ReadSignature(const std::wstring& path, HANDLE file);
 
 } // namespace vantor

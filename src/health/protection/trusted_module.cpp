@@ -23,10 +23,10 @@ namespace {
 constexpr const wchar_t* kInterfaceNames[] = {L"AacControl6", L"AacControl5", L"AacControl4",
                                               L"AacControl3", L"AacControl2", L"AacControl"};
 
-/// A directory to look in, and what is announced before that.
+/// A directory to search.
 struct SearchPlace {
     std::wstring directory;
-    const wchar_t* announcement = nullptr;
+    const wchar_t* announcement = nullptr; ///< for OutputDebugStringW before the search
     bool isCurrentFolder = false;
 };
 
@@ -52,21 +52,22 @@ std::vector<SearchPlace> SearchPlaces()
     return places;
 }
 
-/// "C:\..." on no mapped drive. Anything else would depend on the current folder, or show this host's account to another.
+/// Whether the path is "C:\..." on a drive that is not mapped. Other paths would depend on the current folder, or would
+/// authenticate this host's account to another host.
 bool IsOnLocalDrive(const std::wstring& path)
 {
     return path.size() > 2 && path[1] == L':' && path[2] == L'\\' &&
            ::GetDriveTypeW(path.substr(0, 3).c_str()) != DRIVE_REMOTE;
 }
 
-/// A file as it is opened to be checked: nobody writes, renames or deletes it until it is closed.
+/// Opens a file so that nobody can write, rename or delete it until it is closed.
 FileHandle OpenToCheck(const std::wstring& path)
 {
     return FileHandle(::CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
                                     FILE_ATTRIBUTE_NORMAL | kAnonymous, nullptr));
 }
 
-/// Who signed this program; empty when nobody did.
+/// Who signed this program; empty if it is not signed.
 std::wstring ReadOwnPublisher()
 {
     const std::wstring path = ProgramPath().value_or(L"");
@@ -76,7 +77,7 @@ std::wstring ReadOwnPublisher()
 
 const LoaderFacts& Loader()
 {
-    static const LoaderFacts facts{ReadOwnPublisher(), ProcessUser()}; // no run changes them
+    static const LoaderFacts facts{ReadOwnPublisher(), ProcessUser()}; // constant during a run
     return facts;
 }
 
@@ -89,13 +90,13 @@ void ReportDistrust(const std::wstring& path, LONG result)
     ::OutputDebugStringW(text.data());
 }
 
-/// How modules are loaded: with their own imports from System32 where Windows knows how to do that.
+/// Load the imports of a module from System32, if Windows supports that.
 DWORD LoadFlags()
 {
     return KnowsDllSearchFlags() ? LOAD_LIBRARY_SEARCH_SYSTEM32 : LOAD_WITH_ALTERED_SEARCH_PATH;
 }
 
-/// Loads the file if it is there and trusted.
+/// Loads the file if it exists and is trusted.
 LoadedModule LoadTrusted(const std::wstring& path, bool isInCurrentFolder)
 {
     const FileHandle file = OpenToCheck(path); // held until the module is loaded
@@ -112,16 +113,16 @@ LoadedModule LoadTrusted(const std::wstring& path, bool isInCurrentFolder)
         LogWarning("A module of the product is not used: " + ToNarrow(path) + ": " + fault);
         return {{}, static_cast<DWORD>(TRUST_E_SUBJECT_NOT_TRUSTED)};
     }
-    // By its final path: a folder or drive on the way to it may have become a link to another file since.
+    // By its final path: a folder or drive in the original path may have become a link to another file in the meantime.
     Module module(::LoadLibraryExW(LocalPath(facts.file)->c_str(), nullptr, LoadFlags()));
     const DWORD error = module ? ERROR_SUCCESS : ::GetLastError();
     return {std::move(module), error};
 }
 
-/// What a module answered.
+/// A module's answer.
 struct Answer {
     ModuleInterface result;
-    bool wasAsked = false; ///< the module was there: another version may be had where this one fails
+    bool wasAsked = false; ///< the module was loaded, so it may support another version if this one fails
 };
 
 Answer AskModule(const std::wstring& fileName, const wchar_t* interfaceName)
@@ -139,7 +140,7 @@ Answer AskModule(const std::wstring& fileName, const wchar_t* interfaceName)
     return answer;
 }
 
-/// The version that is asked for, then, where fallback is allowed, the older ones.
+/// The requested version, followed by the older ones if fallback is allowed.
 std::vector<const wchar_t*> VersionsToAskFor(const wchar_t* interfaceName, bool allowFallback)
 {
     std::vector<const wchar_t*> names{interfaceName};
@@ -174,7 +175,7 @@ LoadedModule NCPrivateLoadAndValidateVPTDll(const std::wstring& fileName)
         }
         const bool isAbsent = loaded.error == ERROR_FILE_NOT_FOUND || loaded.error == ERROR_PATH_NOT_FOUND;
         if (firstError == ERROR_SUCCESS && !isAbsent) {
-            firstError = loaded.error; // the first file that was there explains best
+            firstError = loaded.error; // the first existing file explains the failure best
         }
     }
     return {{}, firstError};

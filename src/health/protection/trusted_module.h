@@ -1,4 +1,4 @@
-// Loading the product's own modules, after their signature was checked.
+// Loading the product's own modules after checking their signatures.
 #pragma once
 
 #include "platform/owner.h"
@@ -15,27 +15,27 @@ struct ModulePolicy {
 using Module = Owner<ModulePolicy>;
 
 struct LoadedModule {
-    Module module;   ///< empty when nothing was loaded
-    DWORD error = 0; ///< the Windows error then, or 0 when there was none
+    Module module;   ///< empty if nothing was loaded
+    DWORD error = 0; ///< why not: the Windows error code; 0 if no file was found
 };
 
 /// Looks for a module in the product's installation directory (szInstallDir64, then szInstallDir32), in the program's
-/// directory and in the current directory, and loads the first that is trusted: Windows trusts its signature
-/// (WinVerifyTrust), its publisher is the program's own when the program is signed, it is on a drive of this host, and
-/// in the current directory it belongs to SYSTEM, Administrators, TrustedInstaller or the program's own user. Only
-/// absolute paths are opened; nobody can write or replace the file between check and load, and it is loaded by its final
-/// path; its own imports come from System32. Where it looks beyond the installation directory, and a signature that is
-/// refused, goes to OutputDebugStringW; what else is refused, to the log.
+/// directory and in the current directory, and loads the first trusted one. It is trusted if Windows trusts its
+/// signature (WinVerifyTrust), its publisher is that of the program (if the program is signed), and it is on a drive of
+/// this host; in the current directory it must also belong to SYSTEM, Administrators, TrustedInstaller or the program's
+/// own user. Only absolute paths are opened. Nobody can write or replace the file between check and load; it is loaded
+/// by its final path, and its imports come from System32. A search outside the installation directory and a rejected
+/// signature are reported to OutputDebugStringW, other rejections in the log.
 LoadedModule NCPrivateLoadAndValidateVPTDll(const std::wstring& fileName);
 
 struct ModuleInterface {
-    DWORD error = 0;         ///< 0 or the Windows error
-    void* pointer = nullptr; ///< what the module handed out, of the type that goes with the interface's name
+    DWORD error = 0;         ///< 0 or the Windows error code
+    void* pointer = nullptr; ///< the object that the module returned; its type depends on the interface's name
 };
 
-/// Asks a module of the product for an interface through its export NotComDllGetInterface. When the named version fails
-/// and fallback is allowed, the older versions are tried in turn, down to "AacControl". The module itself is let go of
-/// right after each call.
+/// Asks a module of the product for an interface through its export NotComDllGetInterface. If the named version fails
+/// and fallback is allowed, tries the older versions in turn, down to "AacControl". Frees the module right after each
+/// call.
 ModuleInterface GetModuleInterface(const std::wstring& fileName, const wchar_t* interfaceName, bool allowFallback);
 
 } // namespace vantor

@@ -17,7 +17,7 @@ std::optional<std::vector<std::uint16_t>> ParseDottedVersion(std::string_view te
                 parts.push_back(0);
                 inPart = true;
             }
-            // Arithmetic on the low 16 bits alone: no length of digits can overflow it.
+            // Only the low 16 bits are kept, so that no number of digits can overflow.
             parts.back() = static_cast<std::uint16_t>(parts.back() * 10U + static_cast<unsigned>(c - '0'));
         } else {
             return std::nullopt;

@@ -1,4 +1,4 @@
-// Dotted versions such as "64.1.90.12345" in options and registry values.
+// Dotted versions such as "64.1.90.12345", from options and registry values.
 #pragma once
 
 #include <cstdint>
@@ -8,8 +8,8 @@
 
 namespace vantor {
 
-/// Splits a text of digits and single dots, which neither begins nor ends with a dot, into its parts.
-/// A part above 65,535 keeps its low 16 bits. Any other text gives no version.
+/// Splits a text of digits and single dots that neither begins nor ends with a dot into its parts; std::nullopt for any
+/// other text. A part above 65,535 keeps its low 16 bits.
 std::optional<std::vector<std::uint16_t>> ParseDottedVersion(std::string_view text);
 
 } // namespace vantor

@@ -8,7 +8,7 @@
 namespace vantor {
 namespace {
 
-// The wire is little-endian, and so is every machine that this program runs on, so members are copied as they are.
+// The wire format is little-endian, like every machine that this program runs on, so members are copied unchanged.
 static_assert(std::endian::native == std::endian::little);
 static_assert(std::is_standard_layout_v<HealthRecord> && sizeof(TestResultBits) == 8);
 

@@ -1,4 +1,4 @@
-// The health record: what one pulse reports, its 46 bytes on the wire, and its text in the log.
+// The health record: the facts that a pulse reports, their 46 bytes on the wire, and their text in the log.
 #pragma once
 
 #include "run/config/run_config.h"
@@ -12,7 +12,7 @@
 
 namespace vantor {
 
-/// The conditions that a pulse reports, by their bit in TestResultBits.
+/// The conditions that a pulse reports; the values are bit numbers in TestResultBits.
 enum class ResultBit : unsigned {
     server = 0,
     port = 1,
@@ -45,7 +45,7 @@ enum class ResultBit : unsigned {
     ipv6 = 28,
 };
 
-/// A 64-bit word of test results; bits 29 to 63 are always 0. A bit is 1 when its condition holds.
+/// A 64-bit word of test results. A bit is 1 if its condition holds; bits 29 to 63 are always 0.
 class TestResultBits {
 public:
     constexpr bool Test(ResultBit bit) const { return (m_word >> static_cast<unsigned>(bit) & 1U) != 0; }
@@ -60,25 +60,25 @@ private:
     std::uint64_t m_word = 0;
 };
 
-/// The name of a result bit in the log and in the service's view.
+/// The name of a result bit in the log and on the service's side.
 struct ResultBitName {
     ResultBit bit;
     const char* key;
 };
 
-/// Every result bit in the order in which the log shows them: bit order, except that "msedge", "chrome" and "outlook"
-/// run against theirs.
+/// All result bits in the order in which the log shows them: by bit number, except that "msedge", "chrome" and
+/// "outlook" are reversed.
 std::span<const ResultBitName> ResultBitNames();
 
-/// The facts of one pulse, at their initial values until the probes fill them in. Members have the names of the log.
+/// The facts of one pulse, with default values until the probes fill them in. The log uses the members' names.
 struct HealthRecord {
     static constexpr std::uint8_t kLayoutVersion = 14;
     static constexpr std::size_t kWireSize = 46;
-    /// arch of a host whose native machine is unknown: AMD64.
+    /// arch if the host's native machine is unknown: AMD64.
     static constexpr std::uint16_t kDefaultArch = 0x8664;
 
     std::uint8_t struct_version = kLayoutVersion;
-    Mode mode = Mode::none; ///< after decoding any number, also one that no mode has
+    Mode mode = Mode::none; ///< after decoding this can be any number
     std::uint16_t os_major = 0;
     std::uint16_t os_minor = 0;
     std::uint16_t os_service = 0; ///< major number of the service pack
@@ -105,7 +105,7 @@ struct HealthRecord {
     TestResultBits bitfield_test_results;
     std::uint8_t count = 0;
     std::uint8_t total_count = 0;
-    std::uint16_t arch = 0; ///< native machine of the host as an image-file machine code
+    std::uint16_t arch = 0; ///< native machine of the host, an IMAGE_FILE_MACHINE_ value
 };
 
 /// A field of the record on the wire: little-endian, packed, in record order.
@@ -115,7 +115,7 @@ struct HealthRecordField {
     std::size_t size;   ///< in bytes: 1, 2 or 8
     std::size_t member; ///< offset of the member of HealthRecord
 
-    /// The field's value in a record.
+    /// The value of the field in a record.
     std::uint64_t Value(const HealthRecord& record) const;
 };
 
@@ -125,13 +125,13 @@ std::span<const HealthRecordField> HealthRecordFields();
 /// The record's wire bytes.
 std::array<std::uint8_t, HealthRecord::kWireSize> EncodeHealthRecord(const HealthRecord& record);
 
-/// The record that wire bytes hold, whatever their layout version says.
+/// The record that the wire bytes hold. Does not check their layout version.
 HealthRecord DecodeHealthRecord(std::span<const std::uint8_t, HealthRecord::kWireSize> bytes);
 
-/// Gives `{ "key": value "key": value }`, values in decimal and no commas: for people to read, never parsed.
+/// `{ "key": value "key": value }`, with values in decimal and without commas, as the log shows it.
 std::string RenderHealthRecord(const HealthRecord& record);
 
-/// Gives `{ "key": 1 "key": 0 }` with the bits in the order of ResultBitNames.
+/// `{ "key": 1 "key": 0 }`, with the bits in the order of ResultBitNames.
 std::string RenderTestResultBits(const TestResultBits& bits);
 
 } // namespace vantor

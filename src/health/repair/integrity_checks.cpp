@@ -19,6 +19,7 @@ constexpr REGSAM kReadAndWrite = KEY_QUERY_VALUE | KEY_SET_VALUE | KEY_WOW64_64K
 /// Requests access to the service's key and values. A refusal is only logged: the change is attempted anyway.
 void RequestServiceAccess(ScopedAccessProtectionExclusionObject& exclusion)
 {
+    // The bits are defined by the product's module, as in its other requests.
     constexpr std::uint32_t kKeyAccess = 0x10038B;
     constexpr std::uint32_t kValueAccess = 0x10000B;
     constexpr wchar_t kKey[] = L"HKLM\\System\\CurrentControlSet\\Services\\vxedisk";
@@ -36,7 +37,7 @@ void RequestServiceAccess(ScopedAccessProtectionExclusionObject& exclusion)
     }
 }
 
-/// The Start value that the driver should have; nothing if it has it.
+/// The Start value to set; std::nullopt if the current one is right.
 std::optional<std::uint32_t> WantedStart(bool isListed, std::uint32_t start)
 {
     constexpr std::uint32_t kBoot = 0;

@@ -25,10 +25,10 @@ ULONG WindowsEventTracing::Enable(TRACEHANDLE session, const GUID& provider, ULO
 
 ULONG WindowsEventTracing::Enumerate(std::vector<GUID>& providers)
 {
-    constexpr ULONG kMostProviders = 8192;
+    constexpr ULONG kMaxProviders = 8192;
 
     ULONG count = 256;
-    for (ULONG error = ERROR_MORE_DATA; error == ERROR_MORE_DATA && count <= kMostProviders; count *= 2) {
+    for (ULONG error = ERROR_MORE_DATA; error == ERROR_MORE_DATA && count <= kMaxProviders; count *= 2) {
         std::vector<TRACE_GUID_PROPERTIES> properties(count);
         std::vector<TRACE_GUID_PROPERTIES*> pointers;
         pointers.reserve(count);

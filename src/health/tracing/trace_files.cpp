@@ -24,13 +24,13 @@ struct FindHandlePolicy {
 };
 
 struct TraceFile {
-    std::uint64_t changed; ///< in Windows' file time
+    std::uint64_t changed; ///< as a FILETIME
     std::wstring name;
 
-    auto operator<=>(const TraceFile&) const = default; // NOLINT(modernize-use-nullptr): nothing is written 0
+    auto operator<=>(const TraceFile&) const = default; // NOLINT(modernize-use-nullptr): false positive
 };
 
-/// Opens a file of the folder to delete it, a link as itself.
+/// Opens a file in the folder with DELETE access. A link is opened as itself.
 FileHandle OpenIn(const TraceFolder& folder, const std::wstring& name, DWORD disposition)
 {
     const std::wstring path = folder.Path().value_or(L"") + name;
@@ -51,7 +51,7 @@ DWORD DeleteOpenFile(HANDLE file)
 
 std::optional<std::wstring> TraceFolderPath()
 {
-    // On demand, although Windows maps it from its own list: a run without a trace does not pay for it.
+    // Bound on demand, although it is a known DLL of Windows, so that a run without a trace does not load it.
     if (const std::string missing = shell32::module.FindMissing(); !missing.empty()) {
         LogWarning("The folder of the traces is unknown: this Windows lacks " + missing);
         return std::nullopt;
@@ -144,7 +144,7 @@ DWORD TraceFolder::Delete(const std::wstring& name) const
 
 bool TrimTraceFiles(const TraceFolder& folder, const std::vector<std::wstring>& oldestFirst)
 {
-    for (std::size_t index = 0; index + kMostTraceFiles < oldestFirst.size(); ++index) {
+    for (std::size_t index = 0; index + kMaxTraceFiles < oldestFirst.size(); ++index) {
         const std::wstring& name = oldestFirst[index];
         if (const DWORD error = folder.Delete(name); error != ERROR_SUCCESS) {
             LogWarning("An old trace cannot be deleted: " + ToNarrow(name) + " Error:" + std::to_string(error));

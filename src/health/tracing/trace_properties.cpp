@@ -26,10 +26,10 @@ std::optional<TraceProperties> MakeTraceProperties(const std::wstring& logFile, 
     properties.Wnode.Guid = kSessionGuid;
     properties.Wnode.ClientContext = isVersion6 ? kPerformanceCounterClock : kSystemTimeClock;
     properties.Wnode.Flags = WNODE_FLAG_TRACED_GUID;
-    properties.BufferSize = 1024; // KiB
-    properties.MinimumBuffers = 256;
+    properties.BufferSize = 1024;    // KiB
+    properties.MinimumBuffers = 256; // so a session takes 256 to 276 MiB of memory
     properties.MaximumBuffers = 276;
-    properties.MaximumFileSize = isVersion6 ? 10240 : 10; // both are 10 MiB
+    properties.MaximumFileSize = isVersion6 ? 10240 : 10; // 10 MiB, in KiB or in MiB
     properties.LogFileMode = EVENT_TRACE_FILE_MODE_SEQUENTIAL | (isVersion6 ? EVENT_TRACE_USE_KBYTES_FOR_SIZE : 0UL);
     properties.LogFileNameOffset = offsetof(TraceProperties, logFileName);
     properties.LoggerNameOffset = offsetof(TraceProperties, loggerName);

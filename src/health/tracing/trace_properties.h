@@ -10,11 +10,11 @@
 
 namespace vantor {
 
-/// Name by which the session is found again: it outlives the program.
+/// The session's name, by which a later run finds it: the session outlives the program.
 inline constexpr wchar_t kTraceLoggerName[] = L"scupdateLogger";
 
-/// What StartTraceW and ControlTraceW take: the properties with room for both names behind them. A plain block of
-/// memory; Wnode.BufferSize is its size.
+/// The argument of StartTraceW and ControlTraceW: the properties, followed by room for both names in one block of
+/// memory, whose size is Wnode.BufferSize.
 struct TraceProperties {
     static constexpr std::size_t kNameChars = 1024;
 
@@ -25,8 +25,8 @@ struct TraceProperties {
 };
 static_assert(sizeof(EVENT_TRACE_PROPERTIES) == 120 && sizeof(TraceProperties) == 4224);
 
-/// The session's properties for a log file; nothing when its name has no room. Windows before version 6 knows neither
-/// the performance-counter clock nor sizes in kilobytes: isVersion6 chooses.
+/// The session's properties for a log file; std::nullopt if its name does not fit. Windows before version 6 supports
+/// neither the performance-counter clock nor sizes in kilobytes, so isVersion6 selects both.
 std::optional<TraceProperties> MakeTraceProperties(const std::wstring& logFile, bool isVersion6);
 
 /// Whether the OS major version is 6 or higher (VerifyVersionInfoW).

@@ -15,14 +15,14 @@
 namespace vantor {
 namespace {
 
-constexpr std::uint64_t kLeastFreeMebibytes = 151;
+constexpr std::uint64_t kMinFreeMebibytes = 151;
 
-/// Asks for access to the trace folder for the operation of this name. What is refused is logged; the operation goes
-/// on.
+/// Requests access to the trace folder for the named operation, which continues even if access is refused. Failures are
+/// logged.
 void RequestFolderAccess(ScopedAccessProtectionExclusionObject& exclusion, const TraceFolder& folder,
                          const std::string& operation)
 {
-    constexpr std::uint32_t kFileAccess = 0x14201B; // what the product's module wants asked for this folder
+    constexpr std::uint32_t kFileAccess = 0x14201B; // what the product's module expects for this folder
 
     if (exclusion.InitialisationResult() != ERROR_SUCCESS) {
         LogTrace(operation + ": Failed on initialization scoped access protection exclusion object.");
@@ -43,11 +43,11 @@ bool WasStartedByUpdater()
     return ParentName(ListProcesses().entries, ::GetCurrentProcessId()) == "scupdate.exe";
 }
 
-/// Makes room for one more trace file where ten or more are there.
+/// Makes room for one more trace file. Requests access only if there is something to delete.
 bool TrimOldTraces(const TraceFolder& folder)
 {
     const std::vector<std::wstring> files = folder.List();
-    if (files.size() <= kMostTraceFiles) {
+    if (files.size() <= kMaxTraceFiles) {
         return true;
     }
     ScopedAccessProtectionExclusionObject exclusion;
@@ -62,7 +62,7 @@ std::wstring NameForNow()
     return TraceFileName(now);
 }
 
-/// The properties of a session that records into this file; logs it when they cannot be made.
+/// The properties of a session that records into this file; std::nullopt, with an error logged, on failure.
 std::optional<TraceProperties> MakeProperties(const TraceFolder& folder, const std::wstring& name)
 {
     auto trace = folder.Path() ? MakeTraceProperties(*folder.Path() + name, IsWindowsVersion6()) : std::nullopt;
@@ -72,8 +72,8 @@ std::optional<TraceProperties> MakeProperties(const TraceFolder& folder, const s
     return trace;
 }
 
-/// Starts a session that records into this file. The file is made first, so that the session overwrites nothing that
-/// somebody planted under its name; it goes again when no session comes about.
+/// Starts a session that records into this file. Creates the file first, so that the session cannot overwrite something
+/// planted under that name, and deletes it again if the session does not start.
 DWORD StartInNewFile(TraceProperties& trace, TRACEHANDLE& session, IEventTracing& tracing, TraceFolder& folder,
                      const std::wstring& name)
 {
@@ -91,7 +91,7 @@ DWORD StartInNewFile(TraceProperties& trace, TRACEHANDLE& session, IEventTracing
     return error;
 }
 
-/// Returns 0 when a session was started or one runs already, otherwise the error, which it logs.
+/// Returns 0 if a session was started or is already running, otherwise the error, which it logs.
 DWORD StartOrReuse(TraceProperties& trace, TRACEHANDLE& session, IEventTracing& tracing, TraceFolder& folder,
                    const std::wstring& name)
 {
@@ -107,7 +107,7 @@ DWORD StartOrReuse(TraceProperties& trace, TRACEHANDLE& session, IEventTracing& 
         LogError("The running session cannot be queried. Error:" + std::to_string(queried));
         return queried;
     }
-    session = trace.properties.Wnode.HistoricalContext; // where a query leaves the session's handle
+    session = trace.properties.Wnode.HistoricalContext; // a query stores the session's handle here
     return ERROR_SUCCESS;
 }
 
@@ -133,7 +133,7 @@ void EnableProviders(TRACEHANDLE session, const TraceProviders& providers, IEven
 
 bool HasRoomForTrace(std::uint64_t freeBytes)
 {
-    return freeBytes >> 20 >= kLeastFreeMebibytes;
+    return freeBytes >> 20 >= kMinFreeMebibytes;
 }
 
 bool ShouldStartETLTracing(const RunConfig& config, IEventTracing& tracing, TraceFolder& folder)
@@ -146,9 +146,9 @@ bool ShouldStartETLTracing(const RunConfig& config, IEventTracing& tracing, Trac
         return false;
     }
     if (!folder.Path()) {
-        return true; // starting the trace will say that it has no file
+        return true; // StartLogging reports that there is no folder
     }
-    const DWORD held = folder.Hold(); // one that is not there has no old traces; StartLogging says so
+    const DWORD held = folder.Hold(); // a missing folder has no old traces; StartLogging reports it
     if (held == ERROR_CANT_ACCESS_FILE || held == ERROR_INVALID_OWNER || !TrimOldTraces(folder)) {
         LogError("Delete of old log failed, so cannot proceed");
         return false;

@@ -1,4 +1,4 @@
-// Tracing of the product's updater: the run before an update starts a trace session, the run after it stops it.
+// Tracing of the product's updater: the run before an update starts a trace session, and the run after it stops it.
 #pragma once
 
 #include "health/tracing/event_tracing.h"
@@ -11,29 +11,29 @@
 
 namespace vantor {
 
-/// A provider that a session records.
+/// An event provider to record.
 struct TraceProvider {
     ULONG level;
     GUID id;
 };
 using TraceProviders = std::vector<TraceProvider>;
 
-/// Whether a session is to be started: only before an update, when the updater started this program and its volume has
-/// room. Holds the folder, and deletes the oldest trace files first where ten or more are there.
+/// Whether to start a session: only before an update, if the updater started this program and the folder's volume has
+/// enough free space. Holds the folder, and deletes the oldest trace files if there are ten or more.
 bool ShouldStartETLTracing(const RunConfig& config, IEventTracing& tracing, TraceFolder& folder);
 
-/// Whether so many free bytes are enough for a trace: 151 MiB at least.
+/// Whether there are enough free bytes for a trace: at least 151 MiB.
 bool HasRoomForTrace(std::uint64_t freeBytes);
 
-/// Fills the list with the providers of this build. Returns 0, or the error with which one was not understood.
+/// Fills the list with the providers of this build. Returns 0, or the error for a GUID that could not be parsed.
 DWORD populateGUID(TraceProviders& providers);
 
-/// Starts the session, or takes the one that runs, and enables every listed provider that is not registered already.
-/// A new session records into a new file of the folder, which is held from then on. Returns 0, a Windows error code, or
-/// 0xFFFFFFFF when the list is empty.
+/// Starts the session, or reuses a running one, and enables every listed provider that is not already registered. A new
+/// session records into a new file in the folder, which is held from then on. Returns 0, a Windows error code, or
+/// 0xFFFFFFFF if the list is empty.
 DWORD StartLogging(const TraceProviders& providers, IEventTracing& tracing, TraceFolder& folder);
 
-/// Stops the session. Returns 0 or a Windows error code, also when none runs.
+/// Stops the session. Returns 0 or a Windows error code, such as ERROR_WMI_INSTANCE_NOT_FOUND if none is running.
 DWORD StopLogging(IEventTracing& tracing, const TraceFolder& folder);
 
 /// StartLogging with the providers of this build, or StopLogging. Logs how it went; a failure does not end the run.
