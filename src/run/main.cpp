@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-/// Takes the arguments as wide text, because the C runtime's narrow ones may turn into others where the code page is not
-/// UTF-8: a full-width quote into a quote, for one.
+/// Takes wide arguments, because if the code page is not UTF-8 the C runtime replaces characters in narrow ones with
+/// similar-looking ones, such as a full-width quote with a real quote.
 int wmain(int argc, wchar_t** argv)
 {
     std::vector<std::string> arguments(static_cast<std::size_t>(argc));

@@ -28,14 +28,14 @@ void SleepFor(std::chrono::milliseconds duration)
     ::Sleep(static_cast<DWORD>(duration.count()));
 }
 
-/// Starts or stops the updater's trace where the run is one before or after an update.
+/// Starts the updater's trace before an update and stops it after one.
 void Trace(const RunConfig& config)
 {
     if (ModeOf(config) != Mode::preUpdate && ModeOf(config) != Mode::postUpdate) {
-        return; // the folder is not even asked for: a run without a trace does not pay for shell32
+        return; // before TraceFolder loads shell32.dll, which only a trace needs
     }
     WindowsEventTracing tracing;
-    TraceFolder folder; // held until the session runs
+    TraceFolder folder; // held until the session is running
     if (ShouldStartETLTracing(config, tracing, folder)) {
         StartTracing(tracing, folder);
     }

@@ -3,9 +3,9 @@
 
 namespace vantor {
 
-/// Runs every stage whose condition the options meet, in the program's fixed order. Returns the exit code: 0, or 1
-/// when the command line is invalid. Failures of single stages are logged and leave it at 0. A command line that asks for
-/// help gets it on standard output, and nothing else is done.
+/// Runs the stages that the options ask for, in a fixed order. Returns the exit code: 0, or 1 if the command line is
+/// invalid. Failures of single stages are logged and do not change it. If the command line asks for help, prints it to
+/// standard output and does nothing else.
 int RunPulse(int argc, const char* const* argv);
 
 } // namespace vantor

@@ -1,4 +1,4 @@
-// The run options: filled once from the side file, the registry and the command line, then read by every stage.
+// The run options, filled once from the side file, the registry and the command line and read by every stage.
 #pragma once
 
 #include <cstdint>
@@ -7,10 +7,10 @@
 
 namespace vantor {
 
-/// One run's options. All strings are narrow byte strings as typed. After GetConfig only the four vxedisk result
-/// flags change: the filter-driver checks write them and the report collector reads them.
+/// The options of one run. All strings are narrow and as typed. After GetConfig only the four vxedisk result flags
+/// change: the filter-driver checks set them and the report collector reads them.
 struct RunConfig {
-    /// periodicRunCount when /periodicruncount was not given.
+    /// Value of periodicRunCount if /periodicruncount was not given.
     static constexpr std::uint8_t kNoRunCount = 255;
 
     bool uninstall = false;
@@ -41,7 +41,7 @@ struct RunConfig {
     bool operator==(const RunConfig&) const = default;
 };
 
-/// The modes of a health check, with the numbers that the health record has for them.
+/// The modes of a health check, with their numbers in the health record.
 enum class Mode : std::uint8_t {
     none = 0, ///< no health check
     preUpdate = 1,
@@ -49,7 +49,7 @@ enum class Mode : std::uint8_t {
     periodic = 3,
 };
 
-/// The name of each mode in /hcmode and in the output of every tool.
+/// The name of each mode, in /hcmode and in the output of the tools.
 inline constexpr struct {
     Mode mode;
     std::string_view name;
@@ -59,10 +59,10 @@ inline constexpr struct {
     {Mode::periodic, "periodic"},
 };
 
-/// The mode that hcmode names, case included; Mode::none for any other text.
+/// The mode that hcmode names (case-sensitive); Mode::none for any other text.
 Mode ModeOf(const RunConfig& config);
 
-/// The mode's name; empty for Mode::none and for a number that no mode has.
+/// The mode's name; empty for Mode::none and for unknown numbers.
 std::string_view ModeName(Mode mode);
 
 } // namespace vantor

@@ -5,7 +5,7 @@
 namespace vantor {
 namespace {
 
-/// The text with a blank behind each of its line ends: CR LF, LF, or a CR alone.
+/// The text with a blank after each line end: CR LF, LF or a single CR.
 std::string Indented(std::string_view text)
 {
     std::string indented;

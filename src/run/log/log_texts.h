@@ -1,10 +1,10 @@
-// Texts of log lines that vantor-inspect reads back: writer and reader take them from here, so that a changed line cannot
-// blind the tool. Each name says the text.
+// Texts of log lines that vantor-inspect reads back. Writer and reader share them, so that changing a line cannot break
+// the tool.
 #pragma once
 
 namespace vantor::texts {
 
-// Around an operation; its name follows.
+// Start and end of an operation, followed by its name.
 inline constexpr char kEntering[] = "Entering ";
 inline constexpr char kLeaving[] = "Leaving ";
 inline constexpr char kEnter[] = "Enter: ";
@@ -24,7 +24,7 @@ inline constexpr char kStartLogging[] = "StartLogging";
 inline constexpr char kStopLogging[] = "StopLogging";
 inline constexpr char kProxyManagerInitRequest[] = "CHTTPProxyManager::InitRequest";
 
-// Options, and what is logged of them.
+// Options and how they are logged.
 inline constexpr char kHcmodeOption[] = "/hcmode";
 inline constexpr char kPasswordOption[] = "/password";
 inline constexpr char kHandlingArgument[] = "Handling argument ";
@@ -43,7 +43,7 @@ inline constexpr char kSessionTypeToNamedSessionProxy[] = "setting current sessi
 inline constexpr char kAutoproxyLpszProxy[] = "Autoproxy lpszProxy: ";
 inline constexpr char kNull[] = "<null>";
 
-// What explains a run.
+// Notes that explain a run.
 inline constexpr char kDelayWaitingFor[] = "/delaypostdat waiting for ";
 inline constexpr char kFailedInInitializationOfExclusion[] =
     "Failed in initialization of ScopedAccessProtectionExclusionObject.Error code :";

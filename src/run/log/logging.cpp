@@ -19,7 +19,7 @@ void WriteLine(LogLevel level, std::string_view message) noexcept
         const auto now = std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
         VantorLogging::GetLogger().Write(FormatLogLine(now, level, message));
     } catch (const std::exception&) {
-        // There is nowhere left to say so.
+        // There is nowhere left to report it.
     }
 }
 

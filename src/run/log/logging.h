@@ -1,4 +1,4 @@
-// Writing to the program's log: single lines, scope traces, and the logger that other layers are given.
+// Writing to the program's log: single lines, scope traces, and the ILogger for other layers.
 #pragma once
 
 #include "run/log/logger.h"
@@ -8,13 +8,13 @@
 
 namespace vantor {
 
-/// Each builds one line (UTC time, level, message) and hands it to VantorLogging. A line that cannot be written is
-/// lost without a word: logging never ends the run. The thread's last-error value stays as it was.
+/// Each formats one line (UTC time, level, message) and passes it to VantorLogging. A line that cannot be written is
+/// silently dropped, because logging must never end the run. The thread's last-error value is kept.
 void LogTrace(std::string_view message) noexcept;
 void LogWarning(std::string_view message) noexcept;
 void LogError(std::string_view message) noexcept;
 
-/// Logs "Entering " + name at once and "Leaving " + name at the end of the scope.
+/// Logs "Entering " + name on construction and "Leaving " + name at the end of the scope.
 class ScopeTrace {
 public:
     explicit ScopeTrace(std::string name);
@@ -26,7 +26,7 @@ private:
     std::string m_name;
 };
 
-/// The logger whose lines land in the program's log.
+/// The ILogger that writes to the program's log.
 class LoggerImpl : public ILogger {
 public:
     void Log(LogLevel level, std::string_view message) noexcept override;

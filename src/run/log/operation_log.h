@@ -1,4 +1,4 @@
-// How the HTTP and proxy layers log: every line begins with the qualified name of the operation that writes it.
+// Logging for the HTTP and proxy layers, where every line begins with the qualified name of the operation.
 #pragma once
 
 #include "run/log/logger.h"
@@ -9,7 +9,7 @@
 
 namespace vantor {
 
-/// Writes an operation's lines to a logger that may be empty.
+/// Writes an operation's lines to a logger, which may be null.
 class OperationLog {
 public:
     OperationLog(std::shared_ptr<ILogger> logger, std::string_view operation);
@@ -19,7 +19,7 @@ public:
     void Error(std::string_view message) const { Write(LogLevel::error, message); }
 
 protected:
-    /// Writes a line as it stands, without the operation's name before it.
+    /// Writes a line without the operation's name.
     void WriteRaw(LogLevel level, std::string_view line) const;
     const std::string& Operation() const { return m_operation; }
 
@@ -30,7 +30,7 @@ private:
     std::string m_operation;
 };
 
-/// An operation log whose operation is bracketed by "Enter: " and "Exit : " lines.
+/// Also logs "Enter: " and "Exit : " lines at the start and end of the operation.
 class TracedOperation : public OperationLog {
 public:
     TracedOperation(std::shared_ptr<ILogger> logger, std::string_view operation);

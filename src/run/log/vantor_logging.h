@@ -1,4 +1,4 @@
-// The program's one log sink.
+// The program's log.
 #pragma once
 
 #include "run/config/run_config.h"
@@ -11,9 +11,9 @@ namespace vantor {
 
 class AppendFile;
 
-/// Collects finished lines in memory until the command line has been read, then writes them and all later ones to the
-/// log file that the configuration names and, with /verbose, to standard output. The run driver owns the one live
-/// object; everything else reaches it through GetLogger.
+/// Collects lines in memory until the command line has been read, then writes them and all later ones to the configured
+/// log file and, with /verbose, to standard output. The run driver owns the only object; everything else uses
+/// GetLogger.
 class VantorLogging {
 public:
     VantorLogging();
@@ -21,17 +21,17 @@ public:
     VantorLogging(const VantorLogging&) = delete;
     VantorLogging& operator=(const VantorLogging&) = delete;
 
-    /// Opens config.logFile for appending, if it is set, and writes what was collected. A file that does not open is
-    /// not reported: the run goes on without it. Throws std::logic_error when called a second time.
+    /// Opens config.logFile for appending, if it is set, and writes the collected lines. If the file cannot be opened,
+    /// the run continues without it, unreported. Throws std::logic_error if called a second time.
     void Configure(const RunConfig& config);
 
-    /// The one live object. Throws std::logic_error when there is none.
+    /// The live object. Throws std::logic_error if there is none.
     static VantorLogging& GetLogger();
 
-    /// Writes a finished line, its line end included.
+    /// Writes a complete line, which includes its line end.
     void Write(std::string_view line);
 
-    /// Whether lines reach anyone: the file is open or lines are echoed.
+    /// Whether lines go anywhere: the file is open or lines are echoed.
     bool IsActive() const { return m_fileOpen || m_echo; }
 
 private:

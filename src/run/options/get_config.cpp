@@ -20,7 +20,7 @@ namespace {
 void ReadSideFile(RunConfig& config)
 {
     constexpr std::string_view kLogFile = "/logfile=";
-    constexpr std::size_t kMaxBytes = 1 << 20; // the file holds a line or two; the rest of a longer one is not read
+    constexpr std::size_t kMaxBytes = 1 << 20; // the file holds a line or two; anything beyond this is ignored
 
     std::optional<std::wstring> path = ProgramPath();
     if (!path) {
@@ -51,7 +51,7 @@ void ReadRegistry(RunConfig& config)
     DWORD size = kBufferBytes - sizeof(wchar_t);
     const LSTATUS status = key->Query(registry::kLogPath.name, path.data(), size);
     if (size >= kBufferBytes) {
-        EndProcessAtOnce(); // a size out of range is fatal here, not an error to report
+        EndProcessAtOnce(); // a size out of range is fatal, not a reported error
     }
     if (status == ERROR_SUCCESS) {
         path[size / sizeof(wchar_t)] = L'\0';

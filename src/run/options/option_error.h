@@ -1,4 +1,4 @@
-// What an invalid command line raises.
+// The exception for an invalid command line.
 #pragma once
 
 #include <stdexcept>

@@ -16,10 +16,10 @@ struct Option {
     std::string_view name;
     Value value;
     void (*apply)(RunConfig& config, const std::string& value) = nullptr;
-    std::string RunConfig::*text = nullptr; ///< instead of apply: takes the value as it is
+    std::string RunConfig::*text = nullptr; ///< instead of apply: set to the unchanged value
 };
 
-/// Sets a number option whose field holds any number up to its type's maximum.
+/// Sets a number option that may have any value of its field's type.
 template <auto Field>
 void SetUnsigned(RunConfig& config, const std::string& value)
 {
@@ -101,7 +101,7 @@ void Reset(RunConfig& config, const RunConfig& defaults)
     ((config.*Fields = defaults.*Fields), ...);
 }
 
-/// True when all fields but those that `reset` resets have their defaults.
+/// Whether all fields except those that `reset` resets have their default values.
 bool HasOnly(RunConfig config, void (*reset)(RunConfig& config, const RunConfig& defaults))
 {
     const RunConfig defaults;
@@ -109,12 +109,12 @@ bool HasOnly(RunConfig config, void (*reset)(RunConfig& config, const RunConfig&
     return config == defaults;
 }
 
-/// What options demand of one another.
+/// A constraint on the combination of options.
 struct Rule {
     bool (*applies)(const RunConfig& config);
     bool (*holds)(const RunConfig& config);
-    const char* message;                     ///< when it applies and does not hold
-    std::string RunConfig::*shown = nullptr; ///< what the message ends with
+    const char* message;                     ///< if it applies and does not hold
+    std::string RunConfig::*shown = nullptr; ///< appended to the message
 };
 
 constexpr Rule kRules[] = {

@@ -1,4 +1,4 @@
-// The command line: which options there are, what values they take, and which may stand together.
+// The command line: its options, their values, and which options may be combined.
 #pragma once
 
 #include "run/config/run_config.h"
@@ -11,15 +11,15 @@
 
 namespace vantor {
 
-/// Applies every argument, the program's own path at index 0 included, to the configuration, and logs each one.
-/// Option names match without regard to case; values keep theirs. Unknown arguments are only warned about.
-/// Throws OptionError for a missing value or a number that does not convert.
+/// Logs every argument, including the program's own path at index 0, and applies it to the configuration. Option names
+/// are not case-sensitive; values are unchanged. Unknown arguments only cause a warning.
+/// Throws OptionError for a missing value or an invalid number.
 void ParseArguments(std::span<const std::string> arguments, RunConfig& config, ILogger& log);
 
-/// Whether the argument is an option of the program, with or without a value.
+/// Whether the argument is one of the program's options, with or without a value.
 bool IsOption(std::string_view argument);
 
-/// Checks that the options may stand together. Throws OptionError with the message of the first rule broken.
+/// Checks that the options may be combined. Throws OptionError with the message of the first violated rule.
 void Validate(const RunConfig& config);
 
 } // namespace vantor

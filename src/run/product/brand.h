@@ -3,9 +3,8 @@
 
 namespace vantor {
 
-/// True when the consumer product is installed: HKLM\Software\Vexora\VSC opens and its value MarketReleaseName or
-/// MarketReleaseVer can be read into 62 bytes or, when that key does not open, HKLM\Software\VxeAV opens and its
-/// value VersionInfo can be read in the same way.
+/// Whether the consumer product is installed: MarketReleaseName or MarketReleaseVer under HKLM\Software\Vexora\VSC can
+/// be read into 62 bytes or, if that key does not open, VersionInfo under HKLM\Software\VxeAV can be.
 bool IsConsumerProductInstalled();
 
 } // namespace vantor

@@ -43,15 +43,15 @@ class FileVersionInfoImpl final : public FileVersionInfo {
 public:
     explicit FileVersionInfoImpl(const wchar_t* path) : m_status(Read(path)) {}
 
-    /// 0 when the object is usable, otherwise a Windows error code.
+    /// 0 if the object is usable, otherwise a Windows error code.
     DWORD Status() const { return m_status; }
 
     bool QueryValue(const wchar_t* name, std::wstring& value) override;
     const void* VersionBlock() override { return m_block.data(); }
     void Release() override { delete this; }
 
-    /// So many entries at a place that VerQueryValue named, or as many of them as the block holds from there on: place
-    /// and number are the file's, which is any program's.
+    /// Up to count entries at a place that VerQueryValue returned, limited to the block: place and count come from the
+    /// file, which is untrusted.
     template <typename Entry>
     std::span<const Entry> Within(const void* place, std::size_t count) const
     {
@@ -66,7 +66,7 @@ public:
 private:
     DWORD Read(const wchar_t* path);
 
-    const Translation* m_translation = nullptr; ///< inside the block
+    const Translation* m_translation = nullptr; ///< points into the block
     DWORD m_size = 0;
     std::vector<BYTE> m_block;
     DWORD m_status;
@@ -101,7 +101,7 @@ DWORD FileVersionInfoImpl::Read(const wchar_t* path)
         return ERROR_FILE_NOT_FOUND;
     }
     const auto table = Within<Translation>(place, length / sizeof(Translation));
-    if (table.size_bytes() != length) { // what lies behind a table that is cut off is none of its entries
+    if (table.size_bytes() != length) { // a truncated table
         return ERROR_INVALID_DATA;
     }
     m_translation = ChooseTranslation(table);
@@ -122,7 +122,8 @@ bool FileVersionInfoImpl::QueryValue(const wchar_t* name, std::wstring& value)
     if (text.empty() && length != 0) {
         return false;
     }
-    value.assign(text.begin(), std::find(text.begin(), text.end(), L'\0')); // the length counts the final NUL, or not
+    // The length may or may not count the final NUL.
+    value.assign(text.begin(), std::find(text.begin(), text.end(), L'\0'));
     return true;
 }
 

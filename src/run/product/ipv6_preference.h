@@ -1,10 +1,10 @@
-// Whether the product reaches the reputation service over IPv6.
+// Whether the product uses IPv6 for the reputation service.
 #pragma once
 
 namespace vantor {
 
-/// True when the DWORD vriuseipv6 under HKLM\SOFTWARE\Vexora\AVSolution\VXSHIELDGLOBAL\GLOBAL is not 0; false when it
-/// cannot be read. Both the report's "ipv6" bit and the choice of the service's host use this.
+/// Whether the DWORD vriuseipv6 under HKLM\SOFTWARE\Vexora\AVSolution\VXSHIELDGLOBAL\GLOBAL is not 0; false if it
+/// cannot be read. Decides the report's "ipv6" bit and the service's host name.
 bool PrefersIpv6();
 
 } // namespace vantor

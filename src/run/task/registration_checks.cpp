@@ -5,7 +5,7 @@
 namespace vantor {
 namespace {
 
-/// SYSTEM and Administrators, by their short names and by their identifiers.
+/// SYSTEM and Administrators, as SDDL abbreviations and as SIDs.
 constexpr std::wstring_view kAdministrators[] = {L"SY", L"BA", L"S-1-5-18", L"S-1-5-32-544"};
 
 bool IsLetter(char character)

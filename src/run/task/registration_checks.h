@@ -1,4 +1,4 @@
-// What is checked before the periodic task is registered.
+// Checks before the periodic task is registered.
 #pragma once
 
 #include "run/config/run_config.h"
@@ -7,15 +7,15 @@
 
 namespace vantor {
 
-/// Whether the next run gets user name and password as they are. They stand in the task's arguments without quotes, so a
-/// blank or a tab ends them there, and quotes are lost.
+/// Whether the next run gets the user name and the password unchanged. The task's arguments contain them without
+/// quotes, so a blank or a tab ends them, and quotes are lost.
 bool ArePassedWhole(const RunConfig& config);
 
-/// Whether every account finds the same file at this path: an absolute one, on a drive of the machine itself.
-/// isOwnDrive tells that of the drive's letter; it is only asked about absolute paths.
+/// Whether the path leads to the same file for every account: it must be absolute, on a drive of this machine.
+/// isOwnDrive decides that for a drive letter; it is only called for absolute paths.
 bool IsTheSameForEveryone(std::string_view path, bool (*isOwnDrive)(char letter));
 
-/// Whether a security descriptor in Windows' text form (SDDL) names SYSTEM or Administrators as the owner.
+/// Whether the owner in a security descriptor in SDDL is SYSTEM or Administrators.
 bool IsOwnedByAdministrators(std::wstring_view descriptor);
 
 } // namespace vantor

@@ -1,4 +1,4 @@
-// The program's string resources: their numbers, and the texts themselves, which the code falls back to.
+// The program's string resources: their ids, and the texts, which are also the code's fallback.
 #pragma once
 
 #define IDS_TASK_PATH_CONSUMER 101

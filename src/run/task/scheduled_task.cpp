@@ -20,13 +20,13 @@
 namespace vantor {
 namespace {
 
-/// A step that failed; what() is its line in the log.
+/// Thrown by a failed step; what() is its log line.
 class StepFailure : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// Ends the chain of steps when a step did not succeed.
+/// Throws StepFailure if the step failed.
 void Require(HRESULT result, const std::string& message, const std::string& details = {})
 {
     if (FAILED(result)) {
@@ -34,7 +34,7 @@ void Require(HRESULT result, const std::string& message, const std::string& deta
     }
 }
 
-/// The time in Windows' own zone; the C runtime's conversion would follow the environment variable TZ.
+/// The time in the time zone of Windows. The C runtime's conversion would use the environment variable TZ.
 DateTime WindowsLocalTime(std::chrono::sys_seconds time)
 {
     constexpr long long kSecondsFrom1601To1970 = 11'644'473'600;
@@ -49,7 +49,7 @@ DateTime WindowsLocalTime(std::chrono::sys_seconds time)
     return ToDateTime(local);
 }
 
-/// The Task Scheduler's root folder. The callers word two of the messages differently.
+/// The Task Scheduler's root folder. The callers pass the two messages in which their log lines differ.
 struct Scheduler {
     Scheduler(const char* cannotCreate, const char* cannotOpenRoot)
     {
@@ -113,7 +113,7 @@ void AddAction(const ComPointer<ITaskDefinition>& task, const std::string& argum
     ComPointer<IExecAction> execAction;
     Require(action->QueryInterface(IID_IExecAction, execAction.ReceiveUntyped()),
             "QueryInterface call failed for IExecAction: ");
-    ::SetLastError(ERROR_INSUFFICIENT_BUFFER); // not every Windows sets it for a path that does not fit
+    ::SetLastError(ERROR_INSUFFICIENT_BUFFER); // not every version of Windows sets it if the path is too long
     const std::optional<std::wstring> program = ProgramPath();
     const HRESULT noProgram = HRESULT_FROM_WIN32(::GetLastError());
     Require(program ? CallWithText(execAction, &IExecAction::put_Path, *program) : noProgram,
@@ -122,8 +122,8 @@ void AddAction(const ComPointer<ITaskDefinition>& task, const std::string& argum
             "Cannot put action arguments: ", " arg: " + arguments);
 }
 
-/// Whether a drive is the machine's own: neither a share that somebody mapped, nor a folder that somebody's "subst" shows
-/// as a drive. Those are there for one account, or one session.
+/// Whether a drive belongs to the machine. A mapped share or a folder shown as a drive by "subst" exists only for one
+/// account or session.
 bool IsOwnDrive(char letter)
 {
     const std::wstring drive{static_cast<wchar_t>(letter), L':'};
@@ -146,8 +146,8 @@ void WarnOfWhatTheNextRunMisses(const RunConfig& config)
     }
 }
 
-/// Deletes the task at this path unless it belongs to SYSTEM or Administrators. Registering keeps the owner, who could go
-/// on to change a task that runs as SYSTEM.
+/// Deletes the task at this path unless SYSTEM or Administrators own it. Registering would keep the owner, who could
+/// then change a task that runs as SYSTEM.
 void DeleteForeignTask(const ComPointer<ITaskFolder>& root, const std::wstring& path)
 {
     ComPointer<IRegisteredTask> task;
@@ -177,7 +177,7 @@ HRESULT Register(const Scheduler& scheduler, const ComPointer<ITaskDefinition>& 
                         registered.Receive());
 }
 
-/// Deletes the folder unless it holds tasks, including hidden ones.
+/// Deletes the folder unless it contains tasks, including hidden ones.
 void DeleteFolderIfEmpty(const ComPointer<ITaskFolder>& root, const std::wstring& path)
 {
     const std::string name = ToNarrow(path);

@@ -1,4 +1,4 @@
-// The program's task in Windows' Task Scheduler. COM must be initialised on the thread.
+// The program's task in the Task Scheduler. COM must be initialised on the thread.
 #pragma once
 
 #include "run/config/run_config.h"
@@ -7,15 +7,15 @@
 
 namespace vantor {
 
-/// Registers the next run of the periodic series under this path of the Task Scheduler, replacing the one that is
-/// registered there; one that belongs neither to SYSTEM nor to Administrators is deleted first. It runs the program as
-/// SYSTEM; config decides when and with which arguments, the flag who its author is. Warns of what the next run will
-/// miss. If a step fails, it is logged with its result code, and nothing is registered.
+/// Registers the next run of the periodic series at this path of the Task Scheduler, replacing an existing task; one
+/// that neither SYSTEM nor Administrators own is deleted first. The task runs the program as SYSTEM; config decides
+/// when and with which arguments, and the flag decides the author. Warns about options that the next run will not get.
+/// If a step fails, logs it with its result code and registers nothing.
 void CreateTask(const RunConfig& config, bool isConsumerProduct, const std::wstring& path,
                 const std::wstring& description);
 
-/// Deletes the task at this path and, when no other task is left in it, its folder. Failures are logged; a missing
-/// task is one of them, and harmless.
+/// Deletes the task at this path and its folder, if that is empty afterwards. Failures are logged, including the
+/// harmless one that the task does not exist.
 void DeleteTask(const std::wstring& path);
 
 } // namespace vantor

@@ -23,13 +23,13 @@ constexpr const wchar_t* kEarlierTasks[] = {
     L"Vexora DAT Built in test",
 };
 
-/// The task's path as built in, for either brand.
+/// The built-in path of the task, for either brand.
 const wchar_t* BuiltInTaskPath(bool isConsumerProduct)
 {
     return isConsumerProduct ? L"" TASK_PATH_CONSUMER : L"" TASK_PATH_ENTERPRISE;
 }
 
-/// The task's path from the program's string table; the built-in one where the table lacks it.
+/// The task's path from the program's string table, or the built-in one if the table lacks it.
 std::wstring TaskPath(bool isConsumerProduct)
 {
     const UINT id = isConsumerProduct ? IDS_TASK_PATH_CONSUMER : IDS_TASK_PATH_ENTERPRISE;

@@ -13,7 +13,7 @@ constexpr std::u16string_view kEnglish =
 constexpr std::u16string_view kNorwegian =
     u"Denne oppgaven planlegger kjøring av en periodisk sikkerhetskontroll på systemet ditt for å sjekke effektiviteten til DAT.";
 
-/// The first one serves every language that is not listed.
+/// The first one is used for all languages that are not listed.
 constexpr Description kDescriptions[] = {
     {0x0409, kEnglish},
     {0x0809, kEnglish},

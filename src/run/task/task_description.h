@@ -6,7 +6,7 @@
 
 namespace vantor {
 
-/// The task's description in the language with this Windows identifier (as GetUserDefaultUILanguage gives it); in US
+/// The task's description in the language with this identifier (as GetUserDefaultUILanguage returns it), or in US
 /// English if there is none for exactly that identifier.
 std::u16string_view TaskDescription(std::uint16_t language);
 

@@ -15,14 +15,13 @@ constexpr seconds kTestDelays[] = {seconds(20), seconds(30), seconds(40)};
 constexpr seconds kDelayOfContinuedRuns{86400};
 constexpr seconds kWindow{259200};
 
-/// The delay behind each run of the series.
+/// The delay after each run of the series.
 std::span<const seconds> Series(const RunConfig& config)
 {
     return config.test ? std::span<const seconds>(kTestDelays) : std::span<const seconds>(kDelays);
 }
 
-/// The text as an argument in quotes. Backslashes before a quote would make it a part of the argument, so those at the
-/// end are doubled.
+/// The text as a quoted argument. Trailing backslashes are doubled, because they would escape the closing quote.
 std::string Quoted(const std::string& text)
 {
     const std::size_t backslashes = text.size() - (text.find_last_not_of('\\') + 1); // npos + 1: all of them

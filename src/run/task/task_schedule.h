@@ -1,4 +1,4 @@
-// When the periodic task runs next and with which arguments: the chain in which each run registers the following one.
+// When the periodic task runs next and with which arguments. Each run of the series registers the following one.
 #pragma once
 
 #include "platform/text/formatting.h"
@@ -12,21 +12,20 @@
 namespace vantor {
 
 /// Whether a run with these options registers the task's next run; if not, it deletes the task. Throws OptionError for
-/// a run count that the series (eight runs, three with /test) does not have.
+/// a run count outside the series (eight runs, three with /test).
 bool RegistersNextRun(const RunConfig& config);
 
 /// The run that a run with these options registers.
 struct NextRun {
-    std::chrono::seconds delay; ///< from now on
-    std::optional<std::uint8_t>
-        count; ///< its /periodicruncount; nothing when the series is over and it is to /continue
+    std::chrono::seconds delay;        ///< from now
+    std::optional<std::uint8_t> count; ///< its /periodicruncount; empty if the series is over and it gets /continue
 };
 
-/// From the run count or /continue. Requires that RegistersNextRun is true for the options.
+/// Decides by the run count or /continue. Requires that RegistersNextRun is true for the options.
 NextRun NextRunAfter(const RunConfig& config);
 
-/// The task's command line without the program: the mode, and the options that the next run needs, including the
-/// proxy's password in clear text. Begins with a blank.
+/// The task's arguments: the mode and the options that the next run needs, including the proxy's password in clear
+/// text. Begins with a blank.
 std::string TaskArguments(const RunConfig& config, std::optional<std::uint8_t> nextCount);
 
 /// The period in which the task's trigger is active, in local time, such as "2026-03-07T23:00:00".
@@ -35,7 +34,7 @@ struct TaskWindow {
     std::string end;
 };
 
-/// A time in the machine's zone.
+/// Converts a time to the machine's time zone.
 using LocalTime = DateTime (*)(std::chrono::sys_seconds time);
 
 /// The window that opens after the delay and stays open for 72 hours, even if the clocks change meanwhile.
