@@ -1,16 +1,16 @@
-// How the program ends after a fault that nothing catches: at once, with exit code 3. The C++ library would first print what it
-// was, with names demangled, to a standard error that nobody reads; its code for that is an eighth of the program.
+// Ends the program at once, with exit code 3, after a fault that nothing catches. The C++ library would first print it
+// with demangled names to standard error, which nobody reads; its code for that makes up an eighth of the program.
 #include "platform/program.h"
 
 #ifdef __GLIBCXX__
 
 #include <exception>
 
-// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl58-cpp,readability-identifier-naming): the library's names, which the linker
-// takes from here instead.
+// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl58-cpp,readability-identifier-naming): replacements for functions of
+// the library, under its names.
 namespace __gnu_cxx {
 
-/// What std::terminate calls, for an exception that leaves a noexcept function or the program.
+/// Called by std::terminate when an exception leaves a noexcept function or the program.
 void __verbose_terminate_handler()
 {
     vantor::EndProcessAtOnce();
@@ -21,7 +21,7 @@ void __verbose_terminate_handler()
 #if defined(_GLIBCXX_ASSERTIONS)
 namespace std {
 
-/// What a failed check of the library calls, such as an index beyond the end.
+/// Called when a check of the library fails, such as an index beyond the end.
 void __glibcxx_assert_fail(const char*, int, const char*, const char*) noexcept
 {
     vantor::EndProcessAtOnce();

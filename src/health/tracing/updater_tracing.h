@@ -36,7 +36,7 @@ DWORD StartLogging(const TraceProviders& providers, IEventTracing& tracing, Trac
 /// Stops the session. Returns 0 or a Windows error code, such as ERROR_WMI_INSTANCE_NOT_FOUND if none is running.
 DWORD StopLogging(IEventTracing& tracing, const TraceFolder& folder);
 
-/// StartLogging with the providers of this build, or StopLogging. Logs how it went; a failure does not end the run.
+/// Call StartLogging with the providers of this build, or StopLogging. Log the outcome; a failure does not end the run.
 void StartTracing(IEventTracing& tracing, TraceFolder& folder);
 void StopTracing(IEventTracing& tracing, const TraceFolder& folder);
 

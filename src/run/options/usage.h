@@ -1,4 +1,4 @@
-// What a person gets who asks the program for help.
+// The program's help text.
 #pragma once
 
 #include <span>
@@ -6,7 +6,7 @@
 
 namespace vantor {
 
-/// Whether one of the arguments, but for the program's own path at index 0, is "/?", "/help" or "--help", in any case.
+/// Whether one of the arguments after the program's own path is "/?", "/help" or "--help", in any case.
 bool AsksForUsage(std::span<const char* const> arguments);
 
 /// Every option with its meaning, in lines of at most 79 characters that end with CR LF.
