@@ -1,4 +1,4 @@
-// Base64 as a report travels in it.
+// Strict Base64, in which reports are sent.
 #pragma once
 
 #include <cstdint>
@@ -8,8 +8,8 @@
 
 namespace vantor::inspect {
 
-/// The bytes of a text, or nothing when the text is not the one that encodes them: characters of the alphabet in groups
-/// of four, "=" only as the last one or two of the last group, what padding leaves over 0, no breaks or blanks.
+/// The decoded bytes; std::nullopt unless the text is their one canonical encoding: characters of the alphabet in
+/// groups of four, "=" only as the last one or two of the last group, unused bits 0, no line breaks or blanks.
 std::optional<std::vector<std::uint8_t>> DecodeBase64(std::string_view text);
 
 } // namespace vantor::inspect

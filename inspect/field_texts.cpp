@@ -9,7 +9,7 @@
 namespace vantor::inspect {
 namespace {
 
-/// Says what the number in this record stands for, or nothing.
+/// Explains the value in this record; empty if the number says it all.
 using Explain = std::string (*)(std::uint64_t value, const HealthRecord& record);
 
 std::string AsMode(std::uint64_t value, const HealthRecord& /*record*/)
@@ -33,7 +33,7 @@ std::string AsMemory(std::uint64_t value, const HealthRecord& /*record*/)
                       : "about " + std::to_string(value * 10) + " MiB (modulo 2,560)";
 }
 
-/// Of the process whose running a bit tells.
+/// For the process that also has a result bit for whether it is running.
 std::string AsShieldMemory(std::uint64_t value, const HealthRecord& record)
 {
     const bool isSmall = value == 0 && record.bitfield_test_results.Test(ResultBit::vxshield);

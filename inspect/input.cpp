@@ -13,8 +13,8 @@ namespace {
 using nlohmann::ordered_json;
 
 constexpr std::string_view kBlanks = " \t\r\n";
-constexpr std::size_t kInputLimitBytes = 256U << 20; ///< of what has to be in memory as a whole
-constexpr std::size_t kPulses = 20'000;              ///< each takes some 5 KiB of memory
+constexpr std::size_t kInputLimitBytes = 256U << 20; ///< for input that must be in memory as a whole
+constexpr std::size_t kPulses = 20'000;              ///< each takes about 5 KiB of memory
 constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 constexpr std::string_view kUtf16Marks[] = {"\xFF\xFE", "\xFE\xFF"};
 constexpr std::string_view kBase64Characters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/=";
@@ -25,17 +25,17 @@ std::string_view Trimmed(std::string_view text)
     return text.substr(begin, text.find_last_not_of(kBlanks) + 1 - begin);
 }
 
-/// A body or a receiver's line.
+/// Reads a body or a line that the receiver wrote.
 DatedPulse ReadJsonPulse(std::string_view text)
 {
     const ordered_json json = ParseShallow(text);
     if (json.is_object() && json.contains("report")) {
         return PulseFromJson(json);
     }
-    return {{}, DecodePulse(text)}; // whose messages are the exact ones
+    return {{}, DecodePulse(text)}; // its messages are more precise
 }
 
-/// One value, maybe over several lines, or one a line.
+/// Reads a single value, possibly over several lines, or one value per line.
 Input ReadJsonInput(std::string_view text, std::size_t kept)
 {
     Input input;
@@ -73,7 +73,7 @@ Input ReadJsonInput(std::string_view text, std::size_t kept)
     return input;
 }
 
-/// The bytes of the file before the text count in what is said of a byte.
+/// bytesBefore is the number of bytes before the text in the file, for messages that give a position.
 Input ReadReportInput(std::string_view text, std::size_t bytesBefore)
 {
     const std::size_t foreign = text.find_first_not_of(std::string(kBase64Characters) + std::string(kBlanks));
@@ -93,7 +93,7 @@ Input ReadReportInput(std::string_view text, std::size_t bytesBefore)
     }
 }
 
-/// Takes the mark of UTF-8 away, and returns its size.
+/// Removes the byte order mark of UTF-8 and returns its size.
 std::size_t TakeMark(std::string_view& text)
 {
     for (const std::string_view mark : kUtf16Marks) {
@@ -111,7 +111,7 @@ std::size_t TakeMark(std::string_view& text)
 Input ReadInput(std::istream& stream, std::size_t kept)
 {
     RunLogReader log(kept);
-    std::string text; // while it may be something else
+    std::string text; // collected while the input may be something other than a log
     std::optional<std::size_t> markSize;
     std::vector<char> buffer(1U << 16);
     while (stream.read(buffer.data(), static_cast<std::streamsize>(buffer.size())) || stream.gcount() > 0) {
@@ -142,7 +142,7 @@ Input ReadInput(std::istream& stream, std::size_t kept)
     if (trimmed.empty()) {
         throw InputError("there is nothing in it");
     }
-    // Lines whose first one was cut off are JSON nevertheless.
+    // If the first line is cut off, the others may still be JSON.
     const bool isJson = trimmed.front() == '{' || text.find("\n{") != std::string_view::npos;
     return isJson ? ReadJsonInput(text, kept) : ReadReportInput(text, *markSize);
 }

@@ -1,4 +1,4 @@
-// What a file for inspection turns out to hold.
+// Reads a file for inspection, whatever kind it is.
 #pragma once
 
 #include "inspect/pulse_text.h"
@@ -12,25 +12,25 @@
 
 namespace vantor::inspect {
 
-/// Pulses from a report, from bodies or from a receiver's lines; or runs from a log.
+/// Pulses from a report, from bodies or from the receiver's lines, or runs from a log.
 struct Input {
-    std::deque<DatedPulse> pulses; ///< the latest
+    std::deque<DatedPulse> pulses; ///< the latest ones
     RunLog log;
-    Problems problems; ///< what is malformed beside that
+    Problems problems; ///< malformed parts
 };
 
-/// what() says why the text is none of these, in printable text.
+/// what() says, in printable text, why the input is none of these.
 class InputError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// Finds out what the rest of the stream is and reads it; of runs or pulses only the last `kept`. Line breaks around and
-/// within a Base64 report are passed over, as they come with a mail. A log may be of any size. Throws InputError when it
-/// is nothing that holds a pulse, when it is no log and larger than 256 MiB, or when reading fails.
+/// Detects what the rest of the stream is and reads it, keeping only the last `kept` runs or pulses. Ignores line
+/// breaks around and within a Base64 report, as mail programs insert them. A log may be of any size. Throws InputError
+/// if the input holds no pulse, if it is not a log and larger than 256 MiB, or if reading fails.
 Input ReadInput(std::istream& stream, std::size_t kept);
 
-/// The last pulses of the input, in order, at most `count`; those of a log with the time of their run.
+/// The last `count` pulses of the input, or fewer, in order. Pulses from a log have the time of their run.
 std::vector<DatedPulse> LastPulses(const Input& input, std::size_t count);
 
 } // namespace vantor::inspect

@@ -44,7 +44,7 @@ struct Options {
     std::vector<std::string> files = {std::string(kStandardInput)};
 };
 
-/// The command line, whose values go to `options`.
+/// Declares the command line, whose values are stored in `options`.
 void Describe(CLI::App& app, Options& options)
 {
     app.footer(kNotes);

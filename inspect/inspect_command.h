@@ -1,4 +1,4 @@
-// vantor-inspect without its process: options, input and output.
+// The command vantor-inspect, with its input and output as parameters.
 #pragma once
 
 #include <iosfwd>
@@ -7,9 +7,9 @@
 
 namespace vantor::inspect {
 
-/// Runs with the arguments behind the program's name. A file is read where an argument names one, `input` otherwise.
-/// Results go to `output`, complaints to `errors`. Returns the exit code: 0, 1 when something is malformed or cannot be
-/// read, 2 when the options are wrong.
+/// Runs the command with the arguments after the program's name. Reads the files that they name, or `input` if there
+/// are none. Writes results to `output` and errors to `errors`. Returns the exit code: 0, 1 if something is malformed
+/// or cannot be read, 2 if the options are wrong.
 int RunInspect(const std::vector<std::string>& arguments, std::istream& input, std::ostream& output,
                std::ostream& errors);
 

@@ -1,4 +1,4 @@
-// A log of the program as messages. Whoever wrote the file is a stranger: nothing in it is trusted.
+// Splits a log of the program into messages. Nothing in the file is trusted.
 #pragma once
 
 #include "run/log/logger.h"
@@ -17,27 +17,27 @@ struct LogMessage {
     std::size_t lastLine = 0;
     std::optional<std::chrono::sys_seconds> time;
     LogLevel level = LogLevel::trace;
-    std::string text; ///< without stamp, level and line end; further lines of the message follow behind '\n'
-    /// The first message of the log. Another one follows where the lines before the first time stamp turn out to be the
-    /// rest of a message that was cut: what was read before it does not count.
+    std::string text; ///< without time stamp, level and line end; further lines of the message follow after '\n'
+    /// Whether this is the first message of the log. A second one can follow, if the lines before the first time stamp
+    /// turn out to be the rest of a truncated message; then everything before it must be discarded.
     bool beginsLog = false;
 };
 
-/// Reads a log piece by piece and hands on each message when it is whole. Lines without a level belong to the message
-/// before them; what precedes the first message, because the file was cut there, is dropped. Where no message has a time
-/// stamp, none needs one. Of a longer message only the first kLimitBytes bytes are kept.
+/// Reads a log piece by piece and passes on each complete message. Lines without a level belong to the previous
+/// message; lines before the first message, from a file that was cut there, are dropped. If no message has a time
+/// stamp, none needs one. Only the first kLimitBytes bytes of a message are kept.
 class LogMessageReader {
 public:
-    static constexpr std::size_t kLimitBytes = 1U << 17; ///< a body has half of that at the most
+    static constexpr std::size_t kLimitBytes = 1U << 17; ///< twice the maximum size of a body
 
     explicit LogMessageReader(std::function<void(LogMessage message)> take) : m_take(std::move(take)) {}
 
     void Read(std::string_view piece);
 
-    /// Call it behind the last piece.
+    /// Call this after the last piece.
     void Finish();
 
-    /// Whether there was a message, so that the file is a log.
+    /// Whether a message was found, so that the file is a log.
     bool HasFoundAny() const { return m_message.has_value(); }
 
 private:
@@ -45,9 +45,9 @@ private:
     void EndMessage();
 
     std::function<void(LogMessage message)> m_take;
-    std::string m_line; ///< the one that is being read
+    std::string m_line; ///< the line being read
     std::size_t m_lineNumber = 1;
-    std::optional<LogMessage> m_message; ///< the one whose lines are being read
+    std::optional<LogMessage> m_message; ///< the message whose lines are being read
     bool m_isStamped = false;
 };
 

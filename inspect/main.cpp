@@ -14,7 +14,7 @@
 int main(int count, char** arguments)
 {
 #ifdef _WIN32
-    ::_setmode(::_fileno(stdin), _O_BINARY); // a text stream would end at the first 0x1A
+    ::_setmode(::_fileno(stdin), _O_BINARY); // in text mode the stream would end at the first 0x1A
 #endif
     try {
         std::ios::sync_with_stdio(false);

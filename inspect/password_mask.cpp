@@ -9,7 +9,8 @@ namespace {
 
 constexpr char kMask[] = "***";
 
-/// Where a password stands in a message: behind the first text, before the last occurrence of the second or up to the end.
+/// Where a message contains a password: after the first text, and before the last occurrence of the second or up to the
+/// end.
 const struct Secret {
     std::string before; ///< in lower case
     std::string_view behind = {};

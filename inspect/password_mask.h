@@ -1,4 +1,4 @@
-// Keeps the passwords that the program logs in clear from being shown.
+// Hides the passwords that the program logs in clear text.
 #pragma once
 
 #include <string>
@@ -6,15 +6,15 @@
 
 namespace vantor::inspect {
 
-/// Masks one log's messages, in their order. A password with a blank or a quote comes apart into several arguments: all
-/// that follow /password= belong to it, up to the next option of the program.
+/// Masks the messages of one log, in order. A password with a blank or a quote is split into several arguments, so all
+/// arguments after /password= are treated as part of it, up to the next option of the program.
 class PasswordMask {
 public:
-    /// The message with "***" for each password, and for what may be a part of one.
+    /// The message with each password, and anything that may be part of one, replaced by "***".
     std::string Apply(std::string_view message);
 
 private:
-    bool m_isInPassword = false; ///< the arguments that follow belong to the password
+    bool m_isInPassword = false; ///< the next arguments may belong to the password
 };
 
 } // namespace vantor::inspect

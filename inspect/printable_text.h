@@ -1,4 +1,4 @@
-// Text from a stranger, made safe to show on a terminal.
+// Makes untrusted text safe to show on a terminal.
 #pragma once
 
 #include <cstddef>
@@ -7,8 +7,8 @@
 
 namespace vantor::inspect {
 
-/// The text with every byte that is no printable ASCII character written as \xNN. Of a text longer than limitBytes only
-/// the beginning is shown, with "..." behind it.
+/// The text with every byte that is not a printable ASCII character written as \xNN. A text longer than limitBytes is
+/// cut off there and ends with "...".
 std::string PrintableText(std::string_view text, std::size_t limitBytes = std::string_view::npos);
 
 } // namespace vantor::inspect

@@ -44,8 +44,8 @@ std::string Quoted(std::string_view key)
     return '"' + PrintableText(key, kShownKeyBytes) + '"';
 }
 
-/// Follows the parser event by event, so that order and repetitions are seen, and nothing is built from what has no
-/// place in a pulse. Refuses by throwing PulseError.
+/// Handles parser events, so that order and repetitions are checked and nothing is built from data that does not belong
+/// in a pulse. Rejects a body by throwing PulseError.
 class BodyReader : public nlohmann::json_sax<ordered_json> {
 public:
     ordered_json TakeClient() { return std::move(m_client); }
@@ -100,8 +100,8 @@ public:
     bool number_unsigned(number_unsigned_t value) override
     {
         const Member& member = Accept(Type::integer);
-        constexpr auto kMost = static_cast<number_unsigned_t>(std::numeric_limits<std::int64_t>::max());
-        return value <= kMost ? Store(member, static_cast<std::int64_t>(value)) : Refuse(member);
+        constexpr auto kMax = static_cast<number_unsigned_t>(std::numeric_limits<std::int64_t>::max());
+        return value <= kMax ? Store(member, static_cast<std::int64_t>(value)) : Refuse(member);
     }
 
     bool boolean(bool value) override
@@ -124,7 +124,7 @@ public:
 private:
     struct Place {
         const Member* object;
-        std::size_t next; ///< index of the member that comes next
+        std::size_t next; ///< index of the next member
     };
 
     std::string Where() const
@@ -133,7 +133,7 @@ private:
         return object == &kBody ? std::string(kBody.key) : Quoted(object->key);
     }
 
-    /// The member that comes next, optional ones of another name passed over; none at the end of the object.
+    /// The next member, skipping optional ones with another name; null at the end of the object.
     const Member* NextMember(std::string_view name)
     {
         auto& [object, next] = m_open.back();
@@ -143,7 +143,7 @@ private:
         return next < object->members.size() ? &object->members[next] : nullptr;
     }
 
-    /// The member whose value comes now; its key has been read.
+    /// The member whose key has been read and whose value comes next.
     const Member& Current() const { return m_open.back().object->members[m_open.back().next - 1]; }
 
     const Member& Accept(Type type) const
@@ -175,7 +175,7 @@ private:
 
 Pulse DecodePulse(std::string_view body)
 {
-    // The parser would skip a byte order mark, and a body of another JSON type has no members to judge.
+    // The parser would skip a byte order mark, and a body of another JSON type has no members to check.
     if (!body.starts_with('{')) {
         throw PulseError(R"(the body does not begin with "{")");
     }

@@ -40,7 +40,7 @@ std::uint64_t BitsWithoutName(const Pulse& pulse)
     return bits.Word();
 }
 
-/// The items of one list that the other lacks, repetitions counted.
+/// The items of one list that the other lacks, counting repetitions.
 std::vector<std::string> Missing(std::vector<std::string> from, std::vector<std::string> in)
 {
     std::ranges::sort(from);

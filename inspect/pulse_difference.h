@@ -1,4 +1,4 @@
-// What changed from one pulse to another.
+// Compares two pulses.
 #pragma once
 
 #include "inspect/pulse_text.h"
@@ -9,7 +9,7 @@
 
 namespace vantor::inspect {
 
-/// A client member, a field or a bit with its values; a member that is missing has the value "-".
+/// A client member, field or bit with its old and new value; a missing member has the value "-".
 struct Change {
     std::string name;
     std::string before;
@@ -17,8 +17,8 @@ struct Change {
 };
 
 struct PulseDifference {
-    std::vector<Change> client; ///< without the request id, which no two pulses share
-    std::vector<Change> record; ///< fields; the word of bits only for bits without a name
+    std::vector<Change> client; ///< without the request id, which always differs
+    std::vector<Change> record; ///< fields; the word of bits only if bits without a name differ
     std::vector<Change> bits;   ///< "0" and "1"
     std::vector<std::string> itemsGone;
     std::vector<std::string> itemsNew;
@@ -26,7 +26,7 @@ struct PulseDifference {
     bool IsEmpty() const;
 };
 
-/// Text items count only where both pulses have a mode with such items.
+/// Compares text items only if both pulses have the same mode.
 PulseDifference Compare(const Pulse& before, const Pulse& after);
 
 /// A block of lines for people, each with its line end; safe to show on a terminal.

@@ -123,7 +123,7 @@ DatedPulse PulseFromJson(const ordered_json& line)
     if (!pulse.received && line.contains("received")) {
         throw PulseError(R"("received" is not a time such as "2026-01-31T23:59:59Z")");
     }
-    // A line with a client is judged as the body that it came from.
+    // A line with a client is checked like the body that it came from.
     pulse.pulse = line.contains("ci") ? DecodePulse(JsonLine({{"ci", line["ci"]}, {"rpt", {{"vantor", report}}}}))
                                       : DecodeReportText(report);
     return pulse;

@@ -1,4 +1,4 @@
-// One run of the program, as its log tells of it.
+// One run of the program, as its log describes it.
 #pragma once
 
 #include "inspect/pulse_text.h"
@@ -13,17 +13,17 @@ namespace vantor::inspect {
 
 enum class EventKind { stage, note, proxy, warning, error };
 
-/// Something in a run that is worth a line.
+/// Something in a run that gets a line in the time line.
 struct RunEvent {
     EventKind kind = EventKind::note;
     std::size_t line = 0; ///< in the log
     std::optional<std::chrono::sys_seconds> time;
-    std::string text;                               ///< as logged, without passwords; of a stage its name
-    int depth = 0;                                  ///< how many stages are around it
-    std::optional<std::chrono::seconds> duration{}; ///< of a stage that was left, by a clock that went on
+    std::string text;                               ///< as logged, without passwords; a stage's name
+    int depth = 0;                                  ///< number of enclosing stages
+    std::optional<std::chrono::seconds> duration{}; ///< of a completed stage, unless the clock was set back
 };
 
-/// How the sending of the report ended.
+/// What became of the report.
 enum class Delivery { notTried, delivered, failed, unknown };
 
 struct Run {
@@ -33,13 +33,13 @@ struct Run {
     std::optional<std::chrono::sys_seconds> end;
     std::vector<std::string> arguments; ///< the program's path first; without passwords
     std::vector<RunEvent> events;       ///< in order
-    std::optional<Pulse> pulse;         ///< as posted; of one that was never built only the record, as logged
-    std::size_t pulseLine = 0;          ///< where the body was logged; 0 without one
-    std::string pulseProblem;           ///< why that body is no pulse
+    std::optional<Pulse> pulse;         ///< as posted; only the logged record if no body was built
+    std::size_t pulseLine = 0;          ///< where the body was logged; 0 if it was not
+    std::string pulseProblem;           ///< why that body is not a pulse
     Delivery delivery = Delivery::notTried;
     std::string outcome;          ///< in one sentence
-    std::size_t bytes = 0;        ///< how much memory it takes, roughly
-    std::size_t leftOutCount = 0; ///< arguments and events that there was no room for
+    std::size_t bytes = 0;        ///< approximate memory use
+    std::size_t leftOutCount = 0; ///< arguments and events for which there was no room
 };
 
 } // namespace vantor::inspect

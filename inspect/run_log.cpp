@@ -11,7 +11,7 @@ constexpr std::size_t kProblems = 100;
 
 bool BeginsRun(const LogMessage& message)
 {
-    // Runs that overlapped in time are not told apart: a line has no mark of its process.
+    // Runs that overlap in time cannot be separated, because lines do not identify their process.
     return message.level == LogLevel::trace && message.text == texts::kEntering + std::string(texts::kGetConfig);
 }
 
@@ -47,7 +47,7 @@ void RunLogReader::Take(LogMessage message)
     } else if (BeginsRun(message)) {
         EndRun();
     }
-    if (!message.text.starts_with(texts::kBodyBegins)) { // a body is decoded as it stands
+    if (!message.text.starts_with(texts::kBodyBegins)) { // a body is decoded unchanged
         message.text = m_mask.Apply(message.text);
     }
     m_run.Take(message);

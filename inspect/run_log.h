@@ -1,4 +1,4 @@
-// The runs that a log tells of.
+// Reads the runs in a log.
 #pragma once
 
 #include "inspect/log_messages.h"
@@ -14,7 +14,7 @@
 
 namespace vantor::inspect {
 
-/// What is malformed, in printable text. Of many problems only the first are kept.
+/// Descriptions of malformed parts, in printable text. Only the first ones are kept.
 class Problems {
 public:
     void Add(std::string problem);
@@ -25,13 +25,13 @@ private:
 };
 
 struct RunLog {
-    std::deque<Run> runs;  ///< the latest, in the order of their messages
-    std::size_t count = 0; ///< of all runs that the log tells of
+    std::deque<Run> runs;  ///< the latest ones, in the order of their messages
+    std::size_t count = 0; ///< of all runs in the log
     Problems problems;
 };
 
-/// Reads a log piece by piece. It may be of any size: at most as many runs are kept as asked for, and of those no more
-/// than keptBytes in all, the latest; a problem tells when there would have been more.
+/// Reads a log of any size, piece by piece. Keeps the latest runs, at most keptRuns and at most keptBytes in total, and
+/// adds a problem if that second limit leaves runs out.
 class RunLogReader {
 public:
     explicit RunLogReader(std::size_t keptRuns, std::size_t keptBytes = 32U << 20)
@@ -43,10 +43,10 @@ public:
 
     void Read(std::string_view piece) { m_messages.Read(piece); }
 
-    /// Whether there was a message, so that the file is a log.
+    /// Whether a message was found, so that the file is a log.
     bool HasFoundAny() const { return m_messages.HasFoundAny(); }
 
-    /// The runs. Call it behind the last piece, once.
+    /// Returns the runs. Call this once, after the last piece.
     RunLog Finish();
 
 private:
@@ -59,7 +59,7 @@ private:
     PasswordMask m_mask;
     RunReader m_run{m_keptBytes / 2};
     RunLog m_log;
-    std::size_t m_bytes = 0; ///< of the runs that are kept
+    std::size_t m_bytes = 0; ///< of the kept runs
     bool m_isFull = false;
 };
 

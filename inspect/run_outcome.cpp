@@ -9,7 +9,7 @@
 namespace vantor::inspect {
 namespace {
 
-/// What a part of a logged failure stands for.
+/// Explains a failure that contains this text.
 const struct Explanation {
     std::string part;
     const char* text;
@@ -74,7 +74,7 @@ std::string CountText(std::size_t count, const std::string& noun)
     return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
 }
 
-/// What became of the pulse; empty when that is not known, or there was none.
+/// What became of the pulse; empty if that is unknown or there was none.
 std::string DeliveryText(const Run& run, const RunFacts& facts)
 {
     const std::string mode =
@@ -92,7 +92,7 @@ std::string DeliveryText(const Run& run, const RunFacts& facts)
     return {};
 }
 
-/// How the run ended otherwise than by its last stage, as a part of a sentence; empty when nothing tells of that.
+/// How the run ended if not with its last stage, as part of a sentence; empty if there is no sign of that.
 std::string EndText(const RunFacts& facts)
 {
     if (!facts.fatalError.empty()) {
@@ -129,7 +129,7 @@ void ConcludeRun(Run& run, const RunFacts& facts)
     } else if (isCut || (facts.hasMode && facts.fatalError.empty())) {
         run.delivery = Delivery::unknown;
     }
-    // What a logon at a proxy leaves on its way tells nothing of a pulse that arrived.
+    // A proxy logon logs warnings and errors on its way, which mean nothing if the pulse arrived.
     const bool arrived = run.delivery == Delivery::delivered;
     run.outcome = SentenceStart(run, facts) + "; " +
                   CountText(facts.warningCount - (arrived ? facts.logonWarningCount : 0), "warning") + ", " +

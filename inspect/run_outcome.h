@@ -8,25 +8,25 @@
 
 namespace vantor::inspect {
 
-/// What the outcome depends on, gathered from a run's messages.
+/// The facts that decide the outcome, gathered from a run's messages.
 struct RunFacts {
     std::string fatalError;                 ///< the error that ended the run
-    int exitCode = 1;                       ///< with that error
-    std::string sendFailure;                ///< what the log gives as the reason for a failed sending
+    int exitCode = 1;                       ///< for that error
+    std::string sendFailure;                ///< the logged reason why sending failed
     std::string setUpFailure;               ///< why the connection could not be set up
-    std::string proxy;                      ///< the last one that was detected
-    std::string innermostScope;             ///< the operation that was under way at the end of the log
+    std::string proxy;                      ///< the last one detected
+    std::string innermostScope;             ///< the operation in progress at the end of the log
     std::string lastStep = "its beginning"; ///< the last outermost operation or note
     std::size_t warningCount = 0;
     std::size_t errorCount = 0;
-    std::size_t logonWarningCount = 0; ///< of those, the steps of a logon at a proxy, which a good logon leaves as well
+    std::size_t logonWarningCount = 0; ///< of those, steps of a proxy logon, which a successful logon logs as well
     std::size_t logonErrorCount = 0;
-    bool hasMode = false;         ///< asked for by an option, or in the record
+    bool hasMode = false;         ///< set by an option or in the record
     bool hasNamedProxy = false;   ///< given on the command line
     bool fellBack = false;        ///< from the proxy to a direct connection
-    bool isInspected = false;     ///< somebody else's issuer signed the server's certificate
+    bool isInspected = false;     ///< the server's certificate is trusted but not from a pinned issuer
     bool isTunnelRefused = false; ///< the proxy answered instead of building the tunnel
-    bool reachedSending = false;  ///< the report was handed over
+    bool reachedSending = false;  ///< the report was passed to the telemetry client
     bool leftSending = false;
 };
 

@@ -14,9 +14,9 @@
 namespace vantor::inspect {
 namespace {
 
-constexpr std::size_t kMaxScopes = 100; ///< far beyond the program's own; a stranger's file may have more
+constexpr std::size_t kMaxScopes = 100; ///< far more than the program nests, but the file is untrusted
 
-/// Operations inside others that are stages of their own, because they take time. Outermost ones always are.
+/// Nested operations that count as stages because they take time. Outermost operations always do.
 constexpr std::string_view kInnerStages[] = {
     texts::kRestTelemetryConstructor,  texts::kRestTelemetrySend, texts::kHttpConnectionReset,
     texts::kHttpConnectionSendRequest, texts::kHttpRequestSend,   texts::kProxyManagerInitRequest,
@@ -25,7 +25,7 @@ constexpr std::string_view kInnerStages[] = {
 
 /// A message of the HTTP and proxy layers begins with the operation that wrote it.
 struct OperationText {
-    std::string_view operation; ///< empty where there is none
+    std::string_view operation; ///< empty if there is none
     std::string_view text;
 };
 
@@ -41,7 +41,7 @@ OperationText SplitOperation(std::string_view message)
     return {operation, message.substr(end + kBetween.size())};
 }
 
-/// A constructor says that it is there, and decides nothing.
+/// Messages of constructors only say that an object was created, so they are skipped.
 bool IsConstructor(std::string_view operation)
 {
     const std::size_t name = operation.rfind("::");
@@ -50,7 +50,7 @@ bool IsConstructor(std::string_view operation)
 
 constexpr std::uint32_t kResendRequest = 12032; // ERROR_WINHTTP_RESEND_REQUEST: a step of a logon
 
-/// What a warning or an error says of the run's outcome. The text begins behind the operation's name.
+/// What a warning or an error means for the run's outcome. The text starts after the operation's name.
 struct Trouble {
     LogLevel level;
     std::string_view beginning;
@@ -70,15 +70,15 @@ constexpr Trouble kTroubles[] = {
          facts.fatalError = text;
          facts.exitCode = 3;
      }},
-    // These three begin like the error that ends a run.
+    // These three start like the error that ends a run.
     {LogLevel::error, texts::kPopulateGuidFailed, [](auto&, auto, auto) {}},
     {LogLevel::error, texts::kStartLoggingFailed, [](auto&, auto, auto) {}},
     {LogLevel::error, texts::kStopLoggingFailed, [](auto&, auto, auto) {}},
     {LogLevel::error, texts::kError, [](auto& facts, auto, auto rest) { facts.fatalError = rest; }},
 };
 
-/// The record that the log shows as `{ "key": value ... }`; nothing when a field is missing or holds
-/// no number of its size.
+/// Parses the record that the log shows as `{ "key": value ... }`; std::nullopt if a field is missing or not a number
+/// of its size.
 std::optional<HealthRecord> ParseRecord(std::string_view text)
 {
     std::array<std::uint8_t, HealthRecord::kWireSize> bytes{};
@@ -101,7 +101,7 @@ std::optional<HealthRecord> ParseRecord(std::string_view text)
 
 } // namespace
 
-/// The first one that fits counts.
+/// The first matching rule applies.
 const RunReader::Rule RunReader::kRules[] = {
     {texts::kEntering, &RunReader::OpenScope},
     {texts::kEnter, &RunReader::OpenScope},
@@ -114,7 +114,7 @@ const RunReader::Rule RunReader::kRules[] = {
     {"CHTTPProxy", &RunReader::TakeProxy},
     {"CHTTPSession", &RunReader::TakeProxy},
     {"C_HTTPProxyAuth", &RunReader::TakeProxy},
-    // What explains a run. Those of the HTTP layer have the operation's name before them.
+    // Notes that explain a run. Those of the HTTP layer start with the operation's name.
     {texts::kDelayWaitingFor, &RunReader::TakeNote},
     {texts::kFailedInInitializationOfExclusion, &RunReader::TakeNote},
     {texts::kFailedOnInitializationOfExclusion, &RunReader::TakeNote},
@@ -244,7 +244,7 @@ void RunReader::TakeArgument(const LogMessage&, std::string_view argument)
 void RunReader::TakeBody(const LogMessage& message, std::string_view)
 {
     if (m_run.pulseLine != 0) {
-        return; // logged once by its builder; whatever else looks like it is a reply's
+        return; // the program logs it once; anything else that looks like it comes from a reply
     }
     m_run.pulseLine = message.firstLine;
     try {

@@ -1,4 +1,4 @@
-// From the messages of one run to the run.
+// Builds a run from its messages.
 #pragma once
 
 #include "inspect/log_messages.h"
@@ -12,24 +12,24 @@ namespace vantor::inspect {
 /// Takes the messages of one run, without passwords, in order.
 class RunReader {
 public:
-    /// Of a run that takes more memory the rest is counted, and otherwise left out.
+    /// Beyond limitBytes of memory, arguments and events are only counted.
     explicit RunReader(std::size_t limitBytes) : m_limitBytes(limitBytes) {}
 
     void Take(const LogMessage& message);
 
     bool IsEmpty() const { return m_run.firstLine == 0; }
 
-    /// The run with its outcome. Call it behind the last message, once.
+    /// Returns the run with its outcome. Call this once, after the last message.
     Run Finish();
 
 private:
     struct Scope {
         std::string name;
         std::optional<std::chrono::sys_seconds> begun;
-        std::optional<std::size_t> event; ///< of a stage
+        std::optional<std::size_t> event; ///< index of the stage's event, if it has one
     };
 
-    /// What is done with a trace message that begins with a text; `rest` is what follows it.
+    /// How to handle a trace message that starts with this text; `rest` is what follows it.
     struct Rule {
         std::string_view beginning;
         void (RunReader::*take)(const LogMessage& message, std::string_view rest);

@@ -11,8 +11,8 @@ namespace {
 
 using nlohmann::ordered_json;
 
-/// A line of the time line shows so much of a message, of a note's no more than its first line; the line's number leads
-/// to the rest.
+/// How much of a message the time line shows, and of a note at most its first line. The rest can be found by the line
+/// number.
 constexpr std::size_t kShownBytes = 300;
 
 constexpr const char* kKinds[] = {"stage", "note", "proxy", "warning", "error"};
