@@ -11,14 +11,14 @@ namespace {
 
 constexpr std::size_t kPieceBytes = 16'384;
 
-/// Waits until the time is over or the connection is closed.
+/// Waits until the time is up or the connection is closed.
 void Pause(int socket, std::chrono::milliseconds duration)
 {
     pollfd wait{socket, POLLRDHUP, 0};
     ::poll(&wait, 1, static_cast<int>(duration.count()));
 }
 
-/// Closes the connection without TLS's closing alert. Further writes fail.
+/// Closes the connection without the closing alert of TLS. Further writes fail.
 void Cut(int socket)
 {
     ::shutdown(socket, SHUT_RDWR);
@@ -33,7 +33,7 @@ bool Write(std::string_view content, httplib::DataSink& sink)
     return written;
 }
 
-/// Writes the body of an answer with one kind of fault; false ends the connection.
+/// Writes the body of an answer with the given fault. Returning false ends the connection.
 struct BodyWriter {
     int socket;
     std::string_view content;
@@ -79,7 +79,7 @@ private:
     }
 };
 
-/// Lets the response's body be sent with the framing and the fault.
+/// Makes the response send its body with the behaviour's framing and fault.
 void SendBody(const Behaviour& behaviour, int socket, httplib::Response& response)
 {
     const std::string content = std::exchange(response.body, {});
@@ -128,7 +128,7 @@ void InjectFault(const Behaviour& behaviour, const SSL* connection, httplib::Res
         response.body.assign(*behaviour.bodyBytes, 'x');
     } else if (!behaviour.body.empty()) {
         response.body = behaviour.body;
-    } else if (response.status == 204 || response.status == 304) { // these have none
+    } else if (response.status == 204 || response.status == 304) { // these have no body
         response.body.clear();
     }
     const bool isPlain = behaviour.framing == Framing::contentLength &&

@@ -1,4 +1,4 @@
-// The answer to a posted pulse, with whatever fault is asked for.
+// Injects faults into the answer to a posted pulse.
 #pragma once
 
 #include "receiver/behaviour.h"
@@ -7,8 +7,8 @@
 
 namespace vantor::receiver {
 
-/// Turns a response that is ready to be sent into the one that the behaviour asks for. Pauses and cuts happen on the
-/// connection of the request; every pause ends when the client or Receiver::Stop closes it.
+/// Turns a response that is ready to be sent into the one that the behaviour asks for. Pauses and cuts affect the
+/// request's connection; every pause ends when the client or Receiver::Stop closes it.
 void InjectFault(const Behaviour& behaviour, const SSL* connection, httplib::Response& response);
 
 } // namespace vantor::receiver

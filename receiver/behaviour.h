@@ -11,9 +11,9 @@
 
 namespace vantor::receiver {
 
-// The faults. To cut the connection is to close it without TLS's closing alert.
+// The faults. Cutting the connection means closing it without the closing alert of TLS.
 
-/// Cut once the whole request was read; all of the answer are these bytes, such as half a status line.
+/// Cut after reading the whole request and sending only these bytes, such as half a status line.
 struct CutBeforeAnswer {
     std::string bytes;
 };
@@ -23,7 +23,7 @@ struct CutAfterHeaders {};
 /// Cut after half of the body.
 struct CutInBody {};
 
-/// The body is repeated until the client leaves.
+/// The body is repeated until the client disconnects.
 struct EndlessBody {};
 
 /// A pause before each byte of the body.
@@ -31,7 +31,7 @@ struct SlowBody {
     std::chrono::milliseconds bytePause{0};
 };
 
-/// A pause within the body, by default one that outlasts every client.
+/// A pause within the body; the default is longer than any client waits.
 struct StalledBody {
     std::size_t afterBytes = 0;
     std::chrono::milliseconds pause{600'000};
@@ -40,20 +40,21 @@ struct StalledBody {
 using Fault =
     std::variant<std::monostate, CutBeforeAnswer, CutAfterHeaders, CutInBody, EndlessBody, SlowBody, StalledBody>;
 
-/// What tells the client where the body ends.
+/// How the client knows where the body ends.
 enum class Framing { contentLength, chunked, connectionEnd };
 
-/// By default no fault: 200 for a well-formed pulse, 400 for another, at once, with a short body.
+/// The default has no fault: 200 for a well-formed pulse, 400 for any other body, at once, with a short body.
 struct Behaviour {
     std::optional<int> status;            ///< instead of 200 or 400
-    std::chrono::milliseconds delay{0};   ///< before anything of the answer
-    std::optional<std::size_t> bodyBytes; ///< the length of a body of 'x' instead of the usual one
-    std::string body;                     ///< unless empty, this body instead of the usual one
+    std::chrono::milliseconds delay{0};   ///< before any of the answer is sent
+    std::optional<std::size_t> bodyBytes; ///< if set, a body of this many 'x' instead of the usual one
+    std::string body;                     ///< if not empty, the body instead of the usual one
     Framing framing = Framing::contentLength;
     Fault fault;
-    std::vector<std::pair<std::string, std::string>> headers; ///< more headers, such as Location
-    /// As from a proxy that authenticates its clients: unless empty, a request without Proxy-Authorization is answered
-    /// with 407 and these Proxy-Authenticate lines, such as "NTLM" or "Basic realm=\"x\"", and is not taken as a pulse.
+    std::vector<std::pair<std::string, std::string>> headers; ///< additional headers, such as Location
+    /// Acts as a proxy that authenticates its clients, if not empty: a request without Proxy-Authorization is answered
+    /// with 407 and these Proxy-Authenticate lines, such as "NTLM" or "Basic realm=\"x\"", and does not count as a
+    /// pulse.
     std::vector<std::string> challenges;
     std::string authorization; ///< the only Proxy-Authorization accepted, such as "Basic dTpw"; empty: any
 };

@@ -1,4 +1,4 @@
-// The receiver's connections below HTTP: why one failed, and how to end them all.
+// The receiver's connections below HTTP: finding out why one failed, and closing them all.
 #pragma once
 
 #include <cstdint>
@@ -6,11 +6,11 @@
 
 namespace vantor::receiver {
 
-/// The first error in OpenSSL's queue for this thread as text, or `otherwise` if it is empty. Later errors in the queue
-/// only follow from the first.
+/// The first error in OpenSSL's queue for this thread as text, or `otherwise` if the queue is empty. Later errors in
+/// the queue are only consequences of the first.
 std::string FirstSslError(const char* otherwise);
 
-/// Shuts down every socket of this process with this local port, even while another thread uses it.
+/// Shuts down all sockets of this process with this local port, even if other threads are using them.
 void ShutDownConnections(std::uint16_t port);
 
 } // namespace vantor::receiver

@@ -22,11 +22,11 @@ constexpr int kMaxDelayMs = 600'000;
 
 struct Options {
     ReceiverConfig config{{}, {}, 8000};
-    std::string pulsesFile; ///< empty: pulses are only printed
+    std::string pulsesFile; ///< if empty, pulses are only printed
     Behaviour behaviour;
 };
 
-/// The command line, whose values go to `options`.
+/// Declares the command line, whose values are stored in `options`.
 void Describe(CLI::App& app, Options& options)
 {
     Behaviour& behaviour = options.behaviour;
@@ -89,7 +89,7 @@ int Complain(const std::string& message, int exitCode)
     return exitCode;
 }
 
-/// Blocks the signals that end the receiver in every thread, so that Serve can wait for them.
+/// Blocks the signals that end the receiver in all threads, so that Serve can wait for them.
 sigset_t BlockEndingSignals()
 {
     sigset_t signals;
@@ -113,7 +113,7 @@ void ShowPulse(const DatedPulse& received, std::ofstream& pulses)
     }
 }
 
-/// Puts the pulses that an earlier run of the receiver wrote onto the page.
+/// Shows the pulses that an earlier run of the receiver wrote to the file on the page.
 void ShowEarlierPulses(const std::string& file, Receiver& receiver)
 {
     std::ifstream stream(file, std::ios::binary);
@@ -184,7 +184,7 @@ int main(int count, char** arguments)
 {
     try {
         return Run(count, arguments);
-    } catch (const std::exception& error) { // such as a --pulses file that goes away, or no memory
+    } catch (const std::exception& error) { // such as a --pulses file that disappears, or no memory
         return Complain(error.what(), kExitCannotStart);
     }
 }

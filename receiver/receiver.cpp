@@ -17,24 +17,24 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr char kAddress[] = "127.0.0.1";
-constexpr char kPulseTarget[] = "(https://localhost(:[0-9]+)?)?/1"; // whole, too: Wine sends it so through a tunnel
+constexpr char kPulseTarget[] = "(https://localhost(:[0-9]+)?)?/1"; // Wine sends the full URL through a tunnel
 constexpr char kPagePath[] = "/";
 constexpr std::size_t kBodyLimitBytes = 65'536;
 constexpr auto kIdleTimeout = 5s;
 constexpr std::time_t kIdleLimitSeconds = 10;
 constexpr std::size_t kMaxRequestsPerConnection = 100;
 
-/// Whether a request came on the connection that this thread serves.
+/// Whether a request has arrived on the connection that this thread serves.
 thread_local bool requestSeen = false;
 
-/// Threads that serve every connection with one function.
+/// A thread pool that serves every connection with the same function.
 class Workers final : public httplib::TaskQueue {
 public:
     using Serve = std::function<void(const std::function<void()>& connection)>;
 
     explicit Workers(Serve serve) : m_serve(std::move(serve)), m_threads(Receiver::kMaxConnections) {}
 
-    /// Nothing in older releases of cpp-httplib; in newer ones, whether there was room for the connection.
+    /// void in older releases of cpp-httplib; in newer ones, whether there was room for the connection.
     using Enqueued = decltype(std::declval<TaskQueue&>().enqueue({}));
 
     Enqueued enqueue(std::function<void()> connection) override
@@ -70,7 +70,7 @@ bool HasLength(const httplib::Request& request)
     return request.has_header("Content-Length") || request.has_header("Transfer-Encoding");
 }
 
-/// The status and the reason for a request that is not a POST of a pulse, or that cpp-httplib gave an error status.
+/// The status and reason for a request that is not a POST of a pulse, or to which cpp-httplib gave an error status.
 std::pair<int, std::string> RefusalOf(const httplib::Request& request, int status)
 {
     if (status == 413) {
@@ -101,7 +101,7 @@ ReceivedRequest Received(const httplib::Request& request)
 {
     ReceivedRequest received{request.method, request.target, {}, {}, {}};
     for (const auto& [name, value] : request.headers) {
-        // The first four are cpp-httplib's own.
+        // cpp-httplib adds these four itself.
         if (name != "REMOTE_ADDR" && name != "REMOTE_PORT" && name != "LOCAL_ADDR" && name != "LOCAL_PORT") {
             received.headers.emplace_back(name, value);
         }
@@ -147,7 +147,7 @@ void Receiver::Start()
     SetUpServer();
     int listener = -1;
     m_server->set_socket_options([&](int socket) {
-        // A port whose last connections are in TIME_WAIT can be taken; one that somebody listens on cannot.
+        // Allows a port whose last connections are in TIME_WAIT, but not one that another program listens on.
         const int on = 1;
         ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
         listener = socket;
@@ -165,16 +165,16 @@ void Receiver::Start()
                                 ? where + " is in use by another program"
                                 : "cannot listen on " + where + ": " + std::generic_category().message(errno));
     }
-    ::listen(listener, SOMAXCONN); // cpp-httplib's own queue of five makes the sixth newcomer wait for a second
+    ::listen(listener, SOMAXCONN); // with cpp-httplib's own queue of five, a sixth client waits for a second
     m_port = static_cast<std::uint16_t>(port);
     const auto running = std::make_shared<std::promise<void>>();
     m_server->new_task_queue = [this, running] {
         auto* const workers = new Workers([this](const auto& connection) { Serve(connection); });
         running->set_value();
-        return workers; // cpp-httplib's from here on
+        return workers; // now owned by cpp-httplib
     };
     m_serving = std::async(std::launch::async, [this] { m_server->listen_after_bind(); });
-    running->get_future().wait(); // until then the server could not be stopped
+    running->get_future().wait(); // before that the server cannot be stopped
 }
 
 void Receiver::SetUpServer()
@@ -194,7 +194,7 @@ void Receiver::SetUpServer()
     m_server->Post(kPulseTarget, [this](const httplib::Request& request, httplib::Response& response,
                                         const httplib::ContentReader& read) { Answer(request, response, read); });
     m_server->Get(kPagePath, [this](const auto& request, auto& response) { AnswerPage(request, response); });
-    // A body without a length, which cpp-httplib would wait for in vain, or one that it would unpack, is not read.
+    // Bodies without a length, for which cpp-httplib would wait in vain, and those that it would unpack are not read.
     m_server->set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
         if (IsForPage(request)) {
             return httplib::Server::HandlerResponse::Unhandled;
@@ -205,7 +205,7 @@ void Receiver::SetUpServer()
         Refuse(request, response);
         return httplib::Server::HandlerResponse::Handled;
     });
-    // Called for every error status; an answer from here has a type, one of cpp-httplib's own has none.
+    // Called for every error status. Answers made here have a content type; cpp-httplib's own do not.
     m_server->set_error_handler(httplib::Server::Handler([this](const auto& request, auto& response) {
         if (!response.has_header("Content-Type")) {
             Refuse(request, response);
@@ -219,7 +219,7 @@ void Receiver::Stop()
         return;
     }
     m_server->stop();
-    // Every connection ends once it is shut down; the latest may be accepted only after the first round.
+    // A connection ends when it is shut down. The last one may be accepted only after the first round.
     while (m_serving.wait_for(20ms) != std::future_status::ready) {
         ShutDownConnections(m_port);
     }
@@ -275,7 +275,7 @@ void Receiver::Answer(const httplib::Request& request, httplib::Response& respon
         received.body.append(bytes, size);
         return received.body.size() <= kBodyLimitBytes;
     });
-    if (received.body.size() > kBodyLimitBytes) { // in chunks; an announced length has been looked at before
+    if (received.body.size() > kBodyLimitBytes) { // a chunked body; announced lengths were checked before
         response.status = 413;
     }
     if (!whole || !IsForPulses(request)) {
@@ -312,7 +312,7 @@ void Receiver::AnswerPage(const httplib::Request& request, httplib::Response& re
     response.set_header("Cache-Control", "no-store");
 }
 
-/// Refuses anything but a POST of a whole body to /1. The connection ends with it: some of the body may be unread.
+/// Refuses anything but a POST of a complete body to /1. Closes the connection, because part of the body may be unread.
 void Receiver::Refuse(const httplib::Request& request, httplib::Response& response)
 {
     ReceivedRequest received = Received(request);

@@ -30,15 +30,15 @@ namespace vantor::receiver {
 struct ReceiverConfig {
     std::string certificateFile; ///< PEM, the server's certificate first
     std::string keyFile;         ///< PEM
-    std::uint16_t port = 0;      ///< 0: any that is free
+    std::uint16_t port = 0;      ///< 0: any free port
 };
 
 struct ReceivedRequest {
     std::string method;
-    std::string target; ///< as the request line has it
-    /// Sorted by name, ignoring case; those of one name in order of arrival.
+    std::string target; ///< as in the request line
+    /// Sorted by name, ignoring case; headers with the same name in order of arrival.
     std::vector<std::pair<std::string, std::string>> headers;
-    std::string body;    ///< of a POST to /1, byte for byte; empty when it was not read or is too large
+    std::string body;    ///< of a POST to /1, unchanged; empty if it was not read or is too large
     std::string refusal; ///< why it was refused; empty for a well-formed pulse
 };
 
@@ -50,17 +50,17 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// Answers on https://localhost, over IPv4: POST /1 with 200 for a well-formed pulse and 400 with the reason for
-/// another; another verb there with 405, another path with 404, a body without a length with 411, one over 64 KiB with
-/// 413 and a compressed or multipart one with 415; GET / with a page of the pulses, filtered by the queries "mode", "bit"
-/// and "host" (such requests are not kept). The transport is cpp-httplib's. Every operation but Start, Stop and SetCallbacks
-/// may be called from any thread at any time.
+/// Serves https://localhost over IPv4, with cpp-httplib. POST /1 is answered with 200 for a well-formed pulse and with
+/// 400 and the reason for any other body; other methods there with 405, other paths with 404, a body without a length
+/// with 411, one over 64 KiB with 413 and a compressed or multipart one with 415. GET / returns a page of the pulses,
+/// filtered by the queries "mode", "bit" and "host"; such requests are not kept. All functions except Start, Stop and
+/// SetCallbacks may be called from any thread at any time.
 class Receiver {
 public:
-    /// How many pulses, and how many requests, are kept: the latest.
+    /// How many of the latest pulses, and of the latest requests, are kept.
     static constexpr std::size_t kMaxKept = 1000;
 
-    /// How many connections are served at a time. Others wait until one ends, which an idle one does within seconds.
+    /// How many connections are served at a time. Others wait until one ends; idle ones end within seconds.
     static constexpr std::size_t kMaxConnections = 128;
 
     using PulseCallback = std::function<void(const DatedPulse&)>;
@@ -71,14 +71,15 @@ public:
     Receiver(const Receiver&) = delete;
     Receiver& operator=(const Receiver&) = delete;
 
-    /// Set before Start. Called on the receiver's threads, one call at a time, before the answer goes out; must not call
-    /// the receiver. onRefusal gets one printable line for each refused request and each connection without a request.
+    /// Call this before Start. The callbacks run on the receiver's threads, one at a time, before the answer is sent,
+    /// and must not call the receiver. onRefusal gets one printable line for each refused request and for each
+    /// connection without a request.
     void SetCallbacks(PulseCallback onPulse, RefusalCallback onRefusal);
 
-    /// Starts serving; may follow a Stop. Throws ReceiverError.
+    /// Starts serving, also again after Stop. Throws ReceiverError.
     void Start();
 
-    /// Closes every connection, in whatever state, and returns soon. Does nothing when stopped.
+    /// Closes all connections, whatever their state, and returns quickly. Does nothing if stopped.
     void Stop();
 
     /// The port of the latest Start.
@@ -93,7 +94,7 @@ public:
     /// The well-formed pulses, in order.
     std::vector<DatedPulse> Pulses() const;
 
-    /// Every request, refused ones included, in order. If one cannot be parsed as HTTP, only its refusal is meaningful.
+    /// All requests, including refused ones, in order. If one cannot be parsed as HTTP, only its refusal is meaningful.
     std::vector<ReceivedRequest> Requests() const;
 
     /// Discards the pulses and requests received so far.
@@ -114,13 +115,13 @@ private:
 
     const ReceiverConfig m_config;
     std::unique_ptr<httplib::SSLServer> m_server;
-    std::future<void> m_serving; ///< there until stopped
+    std::future<void> m_serving; ///< valid until stopped
     std::atomic<std::uint16_t> m_port = 0;
     std::atomic<std::size_t> m_connectionCount = 0;
     std::mutex m_callbackMutex; ///< guards the callbacks, and lets one run at a time
     PulseCallback m_onPulse;
     RefusalCallback m_onRefusal;
-    mutable std::mutex m_mutex; ///< guards what follows
+    mutable std::mutex m_mutex; ///< guards the members below
     Behaviour m_behaviour;
     std::deque<DatedPulse> m_pulses;
     std::deque<ReceivedRequest> m_requests;
