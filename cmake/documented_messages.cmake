@@ -1,17 +1,17 @@
-# Run with cmake -P: fails unless every text that the sources log as a warning or an error stands in docs/operations.md, and
-# unless every "-R NAME" of a document names a test. Texts of a few characters and words alone tell nothing and are passed
-# over; so is what is put together elsewhere.
+# Run with cmake -P. Fails unless docs/operations.md contains every text that the sources log as a warning or an error,
+# and unless every "-R NAME" in a document names a test. Skips very short texts and single words, which say nothing, and
+# texts that are put together elsewhere.
 file(READ "${CMAKE_CURRENT_LIST_DIR}/../docs/operations.md" document)
 file(GLOB_RECURSE sources "${CMAKE_CURRENT_LIST_DIR}/../src/*.cpp" "${CMAKE_CURRENT_LIST_DIR}/../src/*_texts.h")
 set(checked 0)
 set(missing 0)
 foreach(source IN LISTS sources)
     file(READ "${source}" text)
-    # A header of texts has those of warnings and errors in its last section.
+    # In a header of texts, the last section holds those of warnings and errors.
     string(REGEX REPLACE ".*// Warnings and errors[.]\n(.*)" "LogWarning(\\1" text "${text}")
     string(REPLACE ";\ninline constexpr" ";LogWarning(inline constexpr" text "${text}")
-    string(REGEX REPLACE "\"[ \n]+\"" "" text "${text}") # one literal over several lines
-    string(REGEX REPLACE "[][]" "(" text "${text}")      # these and semicolons mean something to lists
+    string(REGEX REPLACE "\"[ \n]+\"" "" text "${text}") # join literals that span several lines
+    string(REGEX REPLACE "[][]" "(" text "${text}")      # brackets and semicolons have a meaning in lists
     string(REPLACE ";" "@" text "${text}")
     string(REGEX MATCHALL "(LogWarning|LogError|[.>]Warning|[.>]Error|Require)\\([^@]*@" calls "${text}")
     foreach(call IN LISTS calls)
@@ -44,7 +44,7 @@ foreach(source IN LISTS sources)
     list(TRANSFORM found REPLACE "TEST(_F)?\\(([A-Za-z0-9]+), ([A-Za-z0-9]+)\\)" "\\2.\\3")
     list(APPEND tests ${found})
 endforeach()
-file(STRINGS "${CMAKE_CURRENT_LIST_DIR}/../tests/e2e/e2e.cmake" rules REGEX "foreach\\(rule IN ITEMS") # tests of the sources as texts
+file(STRINGS "${CMAKE_CURRENT_LIST_DIR}/../tests/e2e/e2e.cmake" rules REGEX "foreach\\(rule IN ITEMS") # tests that read the sources
 string(REGEX MATCHALL "[a-z]+-[a-z]+" rules "${rules}")
 list(APPEND tests ${rules})
 file(GLOB documents "${CMAKE_CURRENT_LIST_DIR}/../docs/*.md" "${CMAKE_CURRENT_LIST_DIR}/../README.md")

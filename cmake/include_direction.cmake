@@ -1,5 +1,5 @@
-# Run with cmake -P: fails unless every include of src/ points down, to the same folder or to one further up in this list. A folder
-# that is not listed, and a listed one that holds nothing, fail as well.
+# Run with cmake -P. Fails unless every include in src/ points down: to the same folder or to one that is earlier in
+# this list. Also fails for a folder that is not listed and for a listed one without sources.
 cmake_minimum_required(VERSION 3.25)
 
 set(floors
@@ -29,7 +29,7 @@ set(floors
     telemetry
     run/task
     run)
-if(NOT DEFINED SOURCES) # another folder than src/, to show that a wrong include is found
+if(NOT DEFINED SOURCES) # the test of this script passes a folder with a wrong include
     set(SOURCES "${CMAKE_CURRENT_LIST_DIR}/../src")
 endif()
 

@@ -1,5 +1,5 @@
-# Run by cpack: makes a zip of each folder that was installed, with the SHA-256 sums of its files. The same files give the same
-# bytes: names in order, no owners, and the commit's time (or SOURCE_DATE_EPOCH) for every file.
+# Run by cpack. Makes a zip of each installed folder, with the SHA-256 sums of its files. The same files always give the
+# same bytes: names are sorted, there are no owners, and all files have the time of the commit (or SOURCE_DATE_EPOCH).
 set(ENV{TZ} UTC)
 if("$ENV{SOURCE_DATE_EPOCH}" STREQUAL "")
     execute_process(COMMAND git -C "${CPACK_VANTOR_SOURCES}" log -1 --format=%ct

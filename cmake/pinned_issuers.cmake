@@ -1,5 +1,5 @@
-# Turns VANTOR_PINNED_ISSUERS, a PEM file, into a source file that carries its text. An empty setting gives a program
-# that trusts no server; a file that is missing, empty or broken stops the configuration.
+# Turns VANTOR_PINNED_ISSUERS, a PEM file, into a source file that contains its text. With an empty setting the program
+# trusts no server; a file that is missing, empty or broken stops the configuration.
 
 function(vantor_read_pinned_issuers file result)
     set(${result} "" PARENT_SCOPE)
@@ -17,7 +17,7 @@ function(vantor_read_pinned_issuers file result)
         message(FATAL_ERROR "VANTOR_PINNED_ISSUERS: \"${file}\" is empty.")
     endif()
 
-    # Base64 of a DER sequence with a two-byte length, as every certificate is, begins with "MII".
+    # A certificate is a DER sequence with a two-byte length, which in Base64 begins with "MII".
     set(certificate "-----BEGIN CERTIFICATE-----\n(MII[A-Za-z0-9+/\n]+=?=?)\n-----END CERTIFICATE-----")
     string(REGEX MATCHALL "${certificate}" blocks "${text}")
     string(REGEX MATCHALL "-----(BEGIN|END)[^\n]*" markers "${text}")

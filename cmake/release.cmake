@@ -1,4 +1,4 @@
-# A release: the settings that it must be given, and the two zips that cpack makes of it.
+# Releases: the required settings, and the two zips that cpack makes.
 option(VANTOR_RELEASE "Refuse what only development needs, and let cpack pack the programs" OFF)
 
 # Stops the configuration unless everything that a release needs is set, and nothing that only development needs.
@@ -10,7 +10,7 @@ function(vantor_check_release)
         endif()
     endforeach()
     if(missing)
-        message(FATAL_ERROR " A release is not configured without${missing}") # the blank keeps it on one line
+        message(FATAL_ERROR " A release is not configured without${missing}") # the leading blank keeps it on one line
     endif()
     foreach(setting IN ITEMS VANTOR_LOCAL_PKI VANTOR_TESTS VANTOR_SANITIZE VANTOR_FUZZ)
         if(${setting})
@@ -22,8 +22,8 @@ function(vantor_check_release)
     endif()
 endfunction()
 
-# Strips a program as it ships; its debug information stays beside it. Without --preserve-dates the tools write the time of
-# day into the program.
+# Strips a program for shipping and keeps its debug information in a file beside it. Without --preserve-dates the tools
+# would write the current time into the program.
 function(vantor_strip target)
     add_custom_command(TARGET ${target} POST_BUILD
         COMMAND ${CMAKE_OBJCOPY} --preserve-dates --only-keep-debug "$<TARGET_FILE:${target}>" "$<TARGET_FILE:${target}>.debug"
@@ -33,7 +33,7 @@ function(vantor_strip target)
         VERBATIM)
 endfunction()
 
-# One zip with the programs and the documents of those who run and support them, one with the debug information.
+# One zip with the programs and the documents for their users and support, and one with the debug information.
 macro(vantor_pack_release)
     set(package "vantor-${PROJECT_VERSION}")
     install(PROGRAMS "$<TARGET_FILE:vantor>" "$<TARGET_FILE:vantor-inspect>" DESTINATION "${package}")

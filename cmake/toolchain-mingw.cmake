@@ -6,7 +6,7 @@ if(NOT VANTOR_MINGW)
     set(VANTOR_MINGW x86_64-w64-mingw32)
     set(VANTOR_MINGW_THREADS -posix)
 endif()
-set(CMAKE_C_COMPILER ${VANTOR_MINGW}-gcc${VANTOR_MINGW_THREADS}) # GoogleTest asks for one
+set(CMAKE_C_COMPILER ${VANTOR_MINGW}-gcc${VANTOR_MINGW_THREADS}) # GoogleTest needs it
 set(CMAKE_CXX_COMPILER ${VANTOR_MINGW}-g++${VANTOR_MINGW_THREADS})
 set(CMAKE_RC_COMPILER ${VANTOR_MINGW}-windres)
 
@@ -15,5 +15,5 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 
-# Test programs run under Wine, in a prefix of this build's own.
+# Test programs run under Wine, in a prefix inside the build tree.
 set(CMAKE_CROSSCOMPILING_EMULATOR "${CMAKE_CURRENT_LIST_DIR}/../tools/wine-run;unit")

@@ -1,4 +1,4 @@
-# Turns VANTOR_TRACE_PROVIDERS, a text file of provider GUID and level a line, into the table that the program carries.
+# Turns VANTOR_TRACE_PROVIDERS, a text file with a provider's GUID and level per line, into a table in the program.
 function(vantor_write_trace_providers file output)
     if(NOT EXISTS "${file}" OR IS_DIRECTORY "${file}")
         message(FATAL_ERROR "VANTOR_TRACE_PROVIDERS: there is no file \"${file}\".")

@@ -1,5 +1,5 @@
-# What every compiler that builds this code is asked to warn of. A warning stops the build only where ./check builds: a plain
-# configuration never fails because of a compiler that nobody here has seen.
+# Warning options for all compilers. Warnings stop the build only in ./check, so that a plain build does not fail with a
+# compiler that has not been tried.
 option(VANTOR_WARNINGS_AS_ERRORS "Let a warning stop the build" OFF)
 
 function(vantor_strict target)
@@ -9,10 +9,10 @@ function(vantor_strict target)
     else()
         target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
         if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-            target_compile_options(${target} PRIVATE -Wno-restrict) # GCC 12 sees overlaps in std::string's operator+
+            target_compile_options(${target} PRIVATE -Wno-restrict) # false positives of GCC 12 in std::string's operator+
         endif()
         if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND VANTOR_SANITIZE)
-            target_compile_options(${target} PRIVATE -Wno-maybe-uninitialized) # GCC's advice: unreliable with sanitizers
+            target_compile_options(${target} PRIVATE -Wno-maybe-uninitialized) # unreliable with sanitizers
         endif()
     endif()
 endfunction()
