@@ -107,13 +107,17 @@ full_package_sets=(
     "find faults in the sources|clang clang-tidy clang-format cppcheck shellcheck libc++-16-dev/libc++-dev"
     "fuzz|clang libclang-rt-dev"
 )
+# What tools/make-release needs beside the first.
+release_package_sets=(
+    "make the zips of a release|git zip unzip"
+)
 # What is used where a release has it.
 optional_package_sets=(
     "cross-build with the newer C runtime|g++-mingw-w64-ucrt64"
 )
 
 # Names what is missing, with its purpose, and installs it. Asks the package manager for nothing when all is there.
-install_packages() { # pulse|check [full]
+install_packages() { # pulse|release|check [full]
     if ! command -v apt-get >/dev/null || ! command -v dpkg-query >/dev/null; then
         say "This is no Debian: the needed packages are not installed for you (tools/lib.sh lists them)."
         return
@@ -121,6 +125,7 @@ install_packages() { # pulse|check [full]
     local set lacking missing=() optional=() installed sets=("${package_sets[@]}")
     [[ " $* " != *" check "* ]] || sets+=("${check_package_sets[@]}")
     [[ " $* " != *" full "* ]] || sets+=("${full_package_sets[@]}")
+    [[ " $* " != *" release "* ]] || sets+=("${release_package_sets[@]}")
     installed=" $(dpkg-query --show --showformat='${db:Status-Status}:${Package} ') "
     for set in "${sets[@]}"; do
         lacking=$(lacking_packages "${set#*|}")
