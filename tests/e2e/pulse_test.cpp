@@ -229,6 +229,13 @@ TEST_F(PulseTest, CommandLinesEndAsTheirRulesSay)
         EXPECT_EQ(outcome.log.empty(), !error.empty());
     }
     EXPECT_EQ(RunProgram({"/datver=" + std::string(32'000, 'x')}).exitCode, 0); // Windows' own limit is not far above
+
+    LocalReceiver receiver;
+    const Outcome help = RunProgram({"/hcmode=periodic", "/?"});
+    EXPECT_EQ(help.exitCode, 0);
+    EXPECT_TRUE(help.standardOutput.starts_with("usage: vantor.exe ")) << help.standardOutput;
+    EXPECT_TRUE(help.log.empty());
+    EXPECT_TRUE(receiver.Pulses().empty());
 }
 
 TEST_F(PulseTest, RunsInOneProcessLeaveItAsItWas)

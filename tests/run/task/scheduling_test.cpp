@@ -2,6 +2,7 @@
 
 #include "platform/text/encoding.h"
 #include "run/options/option_error.h"
+#include "run/run_driver.h"
 #include "run/task/task_description.h"
 #include "support/log_capture.h"
 #include "support/recording_scheduler.h"
@@ -50,6 +51,14 @@ TEST_F(Scheduling, ACountOutsideTheSeriesLeavesTheTaskAsItIs)
         EXPECT_EQ(m_log.Lines().back(), "TRACE: Leaving DoScheduling");
         EXPECT_EQ(m_scheduler.tasks, Tasks{kEnterpriseTask});
     }
+}
+
+TEST_F(Scheduling, NothingIsAskedOfTheSchedulerNorLoggedByARunThatShowsHelp)
+{
+    const char* const arguments[] = {"vantor.exe", "/periodicruncount=0", "/HELP"};
+    EXPECT_EQ(RunPulse(3, arguments), 0);
+    EXPECT_EQ(m_scheduler.calls, "");
+    EXPECT_TRUE(m_log.Lines().empty());
 }
 
 } // namespace
