@@ -124,7 +124,6 @@ if(WIN32)
         run/options/get_config_test.cpp
         run/log/logging_test.cpp
         run/task/scheduled_task_test.cpp
-        run/run_driver_test.cpp
         run/task/scheduling_test.cpp
         support/recording_scheduler.cpp
         telemetry/http/http_connection_test.cpp
