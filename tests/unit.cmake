@@ -4,6 +4,7 @@ vantor_test(vantor_core_tests
     health/record/health_record_test.cpp
     health/record/report_test.cpp
     platform/files/file_facts_test.cpp
+    platform/text/multi_string_test.cpp
     run/log/log_line_test.cpp
     run/options/options_test.cpp
     run/task/task_schedule_test.cpp

@@ -98,7 +98,7 @@ package_sets=(
 )
 # What ./check needs beside that.
 check_package_sets=(
-    "try the program behind a proxy and a name server|squid dnsmasq-base"
+    "try the program behind a proxy|squid"
     "look at the receiver's page in a browser|chromium"
     "ask a database what a fleet's report says|postgresql jq"
 )

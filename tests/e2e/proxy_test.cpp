@@ -1,4 +1,4 @@
-// The program behind proxies: a real squid, proxies that settings and scripts of the machine name, a real name server.
+// The program behind proxies: a real squid, proxies that settings and scripts of the machine name.
 #include "e2e/local_receiver.h"
 #include "e2e/program.h"
 #include "e2e/relay.h"
@@ -258,27 +258,6 @@ TEST(Proxies, AnInspectingProxyIsNamedAndNothingOfItsAnswerIsRead)
                      line.find("HttpRequest::AcceptResponse") != line.npos)
             << line;
     }
-}
-
-TEST(Proxies, TheProxysNameIsLookedUpWhereTheConfigurationSays)
-{
-    if (std::system("unshare --mount true") != 0) {
-        GTEST_SKIP()
-            << "Needs root, or a network of its own: for a name server's port, and to stand in for /etc/resolv.conf.";
-    }
-    const Lines dns = {"/usr/sbin/dnsmasq", "--no-daemon", "--conf-file=/dev/null",
-                       "--no-resolv",       "--no-hosts",  "--bind-interfaces"};
-    const Background system(dns + Lines{"--listen-address=127.0.0.2", "--host-record=dns.test,127.0.0.4"}, "1",
-                            "started");
-    const Lines alias = {"--listen-address=127.0.0.4", "--host-record=box.test,127.0.0.3",
-                         "--cname=proxy.test,box.test"};
-    const Background given(dns + alias, "2", "started");
-    Squid squid("http_port 127.0.0.3:80\n"); // a port in the proxy's name does not survive the lookup
-    const WebServer web;
-    const char kMount[] = "echo nameserver 127.0.0.2 >\"$0\" && mount --bind \"$0\" /etc/resolv.conf && exec \"$@\"";
-    const Lines there = {"unshare", "--mount", "sh", "-c", kMount, ScratchFolder() / "resolv.conf"};
-    const Background run(there + UnderWine({kClient, web.port, "proxy.test", "dns.test", "", ""}), "run", "status 200");
-    EXPECT_EQ(squid.Asked(), Lines(1, "POST " + web.Url("1")));
 }
 
 } // namespace

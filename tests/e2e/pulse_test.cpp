@@ -12,7 +12,6 @@
 #include <iterator>
 #include <regex>
 #include <set>
-#include <string_view>
 #include <thread>
 
 namespace vantor::e2e {
@@ -97,11 +96,6 @@ TEST_F(PulseTest, OnlyAPinnedIssuersServerIsTrusted)
         Codes codes{""};
     } kCases[] = {
         {"server-b", true, "TRACE: HttpRequest::ValidateServerCert: Verified: 1"},
-        {"server-outsider", false,
-         "ERROR: HttpConnection::SendRequest: The server's certificate chain is trusted, but none of the pinned issuers "
-         "signed the certificate: an inspecting proxy between this host and the service is the likely cause."},
-        {"server-outsider", false,
-         "ERROR: RESTTelemetry::Send: Send telemetry failed. WinHTTP error: ERROR_WINHTTP_SECURE_FAILURE 12175"},
         {"server-expired", false, "ERROR: RESTTelemetry::Send: Send telemetry failed. WinHTTP error: ", kNoTls},
     };
     for (const auto& [certificate, accepted, line, codes] : kCases) {
@@ -216,17 +210,16 @@ TEST_F(PulseTest, AServerThatBreaksOffTheHandshakeIsTriedOnce)
 TEST_F(PulseTest, CommandLinesEndAsTheirRulesSay)
 {
     std::set<std::string> seen; // of each kind one is enough; the rest is the parser's own test
-    for (const auto& [arguments, complaint] : kOptionRows) {
+    for (const auto& [arguments, complaint] : OptionRows()) {
         // A valid line may ask for a run that the series does not have.
-        if (std::string_view(arguments).find("count=3") != std::string_view::npos || !seen.insert(complaint).second) {
+        if (arguments.find("count=3") != std::string::npos || !seen.insert(complaint).second) {
             continue;
         }
         SCOPED_TRACE(arguments);
         const Outcome outcome = RunProgram(Words(arguments));
-        const std::string error(complaint);
-        EXPECT_EQ(outcome.exitCode, error.empty() ? 0 : 1);
-        EXPECT_EQ(outcome.standardError, error.empty() ? "" : "Error: " + error + "\r\n");
-        EXPECT_EQ(outcome.log.empty(), !error.empty());
+        EXPECT_EQ(outcome.exitCode, complaint.empty() ? 0 : 1);
+        EXPECT_EQ(outcome.standardError, complaint.empty() ? "" : "Error: " + complaint + "\r\n");
+        EXPECT_EQ(outcome.log.empty(), !complaint.empty());
     }
     EXPECT_EQ(RunProgram({"/datver=" + std::string(32'000, 'x')}).exitCode, 0); // Windows' own limit is not far above
 

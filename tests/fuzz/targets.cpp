@@ -6,7 +6,7 @@
 #include "inspect/pulse_text.h"
 #include "platform/text/multi_string.h"
 #include "run/options/options.h"
-#include "support/option_rows.h"
+#include "support/words.h"
 #include "support/password_log.h"
 #include "telemetry/request/pem.h"
 

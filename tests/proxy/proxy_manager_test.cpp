@@ -1,9 +1,6 @@
 #include "support/proxy_test.h"
 
 #include "proxy/auth/proxy_auth_user.h"
-#include "proxy/proxy_auth_list_manager.h"
-
-#include <regex>
 
 namespace vantor {
 namespace {
@@ -49,45 +46,6 @@ TEST_F(ProxyTest, FallsBackOnceUntilTheFallbackIsCleared)
     EXPECT_TRUE(m_manager.ShouldFallBack());
     m_manager.InitConfig(AutoProxy());
     EXPECT_FALSE(m_manager.IsFallbackInForce());
-}
-
-TEST_F(ProxyTest, TheQueueNamesEachMatchingSchemeOnceForEachOfferedOne)
-{
-    const auto listFor = [this](std::vector<std::uint32_t> schemes) {
-        m_manager.InitConfig(
-            {.m_address = L"proxy", .m_username = L"me", .m_password = L"pw", .m_repAuthSchemes = std::move(schemes)});
-        return std::make_unique<C_HTTPProxyAuthListManager>(m_manager, m_log);
-    };
-    const struct {
-        std::vector<std::uint32_t> configured;
-        DWORD offered;
-        const char *credentials, *impersonations;
-    } kCases[] = {
-        {{1, 3}, 3, "1 1;1 2;1 1;1 2;", ""},
-        {{4, 3, 1}, 17, "1 16;1 1;1 16;1 1;", ""},
-        {{2, 4}, 2, "", "Impersonate shell;Revert;"},
-        {{0, 7}, 3, "", ""},
-    };
-    for (const auto& row : kCases) {
-        m_http->calls.clear();
-        m_http->proxy.offers = row.offered;
-        const auto list = listFor(row.configured);
-        for (int attempt = 0; attempt < 7; ++attempt) {
-            list->InitRequest(nullptr, m_request, L"u");
-            list->CleanRequest();
-            list->FindNextAuthenticationScheme(m_request);
-        }
-        EXPECT_EQ(Calls("QueryAuthSchemes"), 1);
-        const std::regex others(" me pw|SetCredentials |(SetO|Query)[^;]*;");
-        EXPECT_EQ(std::regex_replace(m_http->calls, others, ""), row.credentials);
-        EXPECT_TRUE(std::exchange(m_tokens->calls, {}).ends_with(row.impersonations)) << row.offered;
-    }
-    EXPECT_TRUE(Logged("T C_HTTPProxyAuthListManager::LookUpAuthenticationSchemeByRepAuthenticationScheme: "
-                       "Rep auth scheme is 7"));
-    m_http->errors["SetCredentials"] = {0, 87};
-    EXPECT_TRUE(listFor({3})->InitRequest(nullptr, m_request, L"u"));
-    EXPECT_FALSE(listFor({4})->InitRequest(nullptr, m_request, L"u"));
-    EXPECT_TRUE(Logged("T CHTTPProxyAuthScheme::SetCredentials: AuthScheme=16 succeded=false err=87"));
 }
 
 TEST_F(ProxyTest, TheCurrentUsersSchemeNeverLeavesTheThreadImpersonating)

@@ -98,34 +98,6 @@ TEST_F(ReceiverTest, JudgesAndRecordsRequests)
     EXPECT_NE(Send("GET", "/?mode=postdatupdate", "").body.find("2 of 2 pulses"), std::string::npos);
 }
 
-TEST_F(ReceiverTest, MisbehavesAsTold)
-{
-    constexpr std::size_t kMiB = 1'048'576;
-    const struct {
-        Behaviour behaviour;
-        int status;
-        std::size_t bodyBytes;
-        std::chrono::milliseconds timeout = 20s;
-    } kCases[] = {
-        {{.status = 302, .headers = {{"Location", "/elsewhere"}}}, 302, 17},
-        {{.delay = 20s}, -1, 0, 1500ms},
-        {{.bodyBytes = kMiB, .framing = Framing::chunked}, 200, kMiB},
-        {{.fault = StalledBody{5, 300ms}}, 200, 17},
-        {{.fault = StalledBody{5}}, -1, 5, 1500ms},
-        {{.bodyBytes = kMiB, .fault = CutInBody()}, -1, kMiB / 2},
-        {{.bodyBytes = kMiB, .framing = Framing::chunked, .fault = CutInBody()}, -1, kMiB / 2},
-    };
-    for (std::size_t index = 0; index < std::size(kCases); ++index) {
-        m_receiver.SetBehaviour(kCases[index].behaviour);
-        m_timeout = kCases[index].timeout;
-        const httplib::Response answer = Send("POST", "/1", SampleBody());
-        EXPECT_EQ(answer.status, kCases[index].status) << index;
-        EXPECT_EQ(answer.body.size(), kCases[index].bodyBytes) << index;
-        EXPECT_EQ(answer.headers.count("Location"), kCases[index].behaviour.headers.size()) << index;
-        EXPECT_EQ(m_receiver.Pulses().size(), index + 1);
-    }
-}
-
 TEST_F(ReceiverTest, KeepsServingBesideStrangersAndStops)
 {
     AddStranger(std::string(5000, '\x9C'));

@@ -124,37 +124,22 @@ HRESULT STDMETHODCALLTYPE Record(Interface*, Arguments... arguments)
 void AssignMethods()
 {
 #define METHOD(type, method) Table<type>().method = &Record<#type "::" #method>
+    // clang-format off
     METHOD(IClassFactory, CreateInstance);
-    METHOD(ITaskService, Connect);
-    METHOD(ITaskService, GetFolder);
-    METHOD(ITaskService, NewTask);
-    METHOD(ITaskFolder, GetFolder);
-    METHOD(ITaskFolder, GetTask);
-    METHOD(ITaskFolder, GetTasks);
-    METHOD(ITaskFolder, DeleteTask);
-    METHOD(ITaskFolder, DeleteFolder);
-    METHOD(ITaskFolder, RegisterTaskDefinition);
-    METHOD(IRegisteredTask, GetSecurityDescriptor);
-    METHOD(IRegisteredTaskCollection, get_Count);
-    METHOD(ITaskDefinition, get_RegistrationInfo);
-    METHOD(ITaskDefinition, get_Settings);
-    METHOD(ITaskDefinition, get_Triggers);
-    METHOD(ITaskDefinition, get_Actions);
-    METHOD(IRegistrationInfo, put_Author);
-    METHOD(IRegistrationInfo, put_Description);
-    METHOD(ITaskSettings, put_StartWhenAvailable);
-    METHOD(ITaskSettings, put_DeleteExpiredTaskAfter);
-    METHOD(ITriggerCollection, Create);
-    METHOD(ITrigger, QueryInterface);
-    METHOD(ITimeTrigger, put_Id);
-    METHOD(ITimeTrigger, get_Repetition);
-    METHOD(ITimeTrigger, put_EndBoundary);
-    METHOD(ITimeTrigger, put_StartBoundary);
-    METHOD(IRepetitionPattern, put_Interval);
-    METHOD(IActionCollection, Create);
-    METHOD(IAction, QueryInterface);
-    METHOD(IExecAction, put_Path);
-    METHOD(IExecAction, put_Arguments);
+    METHOD(ITaskService, Connect); METHOD(ITaskService, GetFolder); METHOD(ITaskService, NewTask);
+    METHOD(ITaskFolder, GetFolder); METHOD(ITaskFolder, GetTask); METHOD(ITaskFolder, GetTasks);
+    METHOD(ITaskFolder, DeleteTask); METHOD(ITaskFolder, DeleteFolder); METHOD(ITaskFolder, RegisterTaskDefinition);
+    METHOD(IRegisteredTask, GetSecurityDescriptor); METHOD(IRegisteredTaskCollection, get_Count);
+    METHOD(ITaskDefinition, get_RegistrationInfo); METHOD(ITaskDefinition, get_Settings);
+    METHOD(ITaskDefinition, get_Triggers); METHOD(ITaskDefinition, get_Actions);
+    METHOD(IRegistrationInfo, put_Author); METHOD(IRegistrationInfo, put_Description);
+    METHOD(ITaskSettings, put_StartWhenAvailable); METHOD(ITaskSettings, put_DeleteExpiredTaskAfter);
+    METHOD(ITriggerCollection, Create); METHOD(ITrigger, QueryInterface);
+    METHOD(ITimeTrigger, put_Id); METHOD(ITimeTrigger, get_Repetition); METHOD(ITimeTrigger, put_EndBoundary);
+    METHOD(ITimeTrigger, put_StartBoundary); METHOD(IRepetitionPattern, put_Interval);
+    METHOD(IActionCollection, Create); METHOD(IAction, QueryInterface);
+    METHOD(IExecAction, put_Path); METHOD(IExecAction, put_Arguments);
+    // clang-format on
 #undef METHOD
 }
 

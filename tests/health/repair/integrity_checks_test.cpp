@@ -18,31 +18,6 @@ constexpr wchar_t kQualityValue[] = L"cadca5fe-87d3-4b96-b7fb-a231484277cc";
 
 constexpr auto& Bytes = ScratchRegistry::Bytes;
 
-TEST(MultiString, NeverReadsPastTheData)
-{
-    const std::wstring large(512 * 1024, L'x');
-    const struct {
-        std::vector<BYTE> data;
-        bool found;
-    } kCases[] = {
-        {{}, false},
-        {{0}, false},
-        {Bytes(L"vxedisk"), true}, // no terminator at all
-        {Bytes({L"partmgr\0vxedisk\0\0", 17}), true},
-        {Bytes({L"\0vxedisk\0", 9}), true}, // behind an empty entry
-        {Bytes({L"vxedisk2\0xvxedisk\0vxedis\0VXEDISK\0", 34}), false},
-        {Bytes(large + L'\0' + L"vxedisk"), true},
-    };
-    for (const auto& [data, found] : kCases) {
-        EXPECT_EQ(MultiStringContains(data, u"vxedisk"), found) << data.size();
-    }
-    std::vector<BYTE> odd = Bytes(L"vxedisk");
-    odd.push_back('x');
-    EXPECT_TRUE(MultiStringContains(odd, u"vxedisk"));
-    odd.resize(odd.size() - 2);
-    EXPECT_FALSE(MultiStringContains(odd, u"vxedisk"));
-}
-
 TEST(DeleteFlagCheck, RemovesOneValueAndNothingElse)
 {
     ScratchRegistry registry;

@@ -86,7 +86,9 @@ TEST(Options, ArgumentsAreLoggedAndUnknownOnesWarnedAbout)
 
 TEST(Options, AreJudgedAsTheirRulesSay)
 {
-    for (const auto& [arguments, complaint] : kOptionRows) {
+    const std::vector<OptionRow> rows = OptionRows();
+    EXPECT_EQ(rows.size(), 40u);
+    for (const auto& [arguments, complaint] : rows) {
         EXPECT_EQ(Outcome(Words(arguments)), complaint) << arguments;
     }
 }

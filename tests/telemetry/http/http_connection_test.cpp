@@ -166,6 +166,9 @@ TEST_F(HttpConnectionTest, AProxysChallengeIsAnsweredWithEachSchemeOnce)
     }
     EXPECT_TRUE(m_tokens->calls.ends_with("Impersonate shell;Revert;")) << m_tokens->calls;
     EXPECT_TRUE(Logged("T HttpConnection::SendRequest: Clean request failed =0"));
+    EXPECT_TRUE(Logged("T C_HTTPProxyAuthListManager::LookUpAuthenticationSchemeByRepAuthenticationScheme: "
+                       "Rep auth scheme is 7"));
+    EXPECT_TRUE(Logged("T CHTTPProxyAuthScheme::SetCredentials: AuthScheme=2 succeded=false err=87"));
     EXPECT_TRUE(Logged("T HttpConnection::SendRequest: ERROR_WINHTTP_RESEND_REQUEST, retry"));
     EXPECT_TRUE(Logged("E HttpRequest::Send: HttpRequest::Send WinHttpSetCredentials error Unknown error (87) 87"));
     EXPECT_THAT(m_log->lines, ::testing::Contains(::testing::EndsWith(": QueryAuthSchemes() failed, err=12019")));
