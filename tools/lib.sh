@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# What the two root commands and the scripts in this folder share. Sourced; it only defines things.
+# Shared by the two root commands and the scripts in this folder. To be sourced; contains only definitions.
 
 unset CDPATH
 project=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
@@ -22,8 +22,8 @@ fail() {
 
 microseconds() { printf '%s' "${EPOCHREALTIME//[!0-9]/}"; }
 
-# step NAME TEXT HINT COMMAND...: a long step. It prints one line with its time; what COMMAND prints goes to
-# build/logs/NAME.log and is shown, with the hint, only when it fails. Then the whole run ends.
+# step NAME TEXT HINT COMMAND...: runs a long step and prints one line with its duration. The output of COMMAND goes to
+# build/logs/NAME.log; if it fails, the output and the hint are shown, and the whole run ends.
 step() {
     local log=$build/logs/$1.log text=$2 hint=$3 begun status=0 tenths
     shift 3
@@ -49,8 +49,8 @@ explain_failure() { # LOG HINT STATUS
     exit "$3"
 }
 
-# configure_preset PRESET: configures the preset's tree, unless that was done with the same presets and settings. What else a
-# tree is configured from, its build knows.
+# configure_preset PRESET: configures the preset's tree, unless that was already done with the same presets and
+# settings. The build itself notices any other change.
 configure_preset() {
     local tree=$build/$1 settings stamp
     settings=(${warnings:+-DVANTOR_WARNINGS_AS_ERRORS=$warnings})
@@ -61,7 +61,7 @@ configure_preset() {
     echo "$stamp" >"$tree/.configured"
 }
 
-# build_preset PRESET [TARGET...]: configures the preset's tree and builds the targets, or all of it.
+# build_preset PRESET [TARGET...]: configures the preset's tree and builds the targets, or everything.
 build_preset() {
     local preset=$1
     shift
@@ -71,7 +71,7 @@ build_preset() {
         env --chdir "$project" TMPDIR="$build/tmp" cmake --build --preset "$preset" ${1:+--target "$@"} # the cross compiler leaves temporary files behind
 }
 
-# make_prefixes NAME[:REGISTRY]...: Wine prefixes, each with a registry file of demo/ imported when one is named.
+# make_prefixes NAME[:REGISTRY]...: makes Wine prefixes and imports the registry file from demo/ if one is named.
 make_prefixes() {
     local prefix registry
     for prefix in "$@"; do
@@ -84,8 +84,8 @@ make_prefixes() {
 
 # --- Packages --------------------------------------------------------------------------------------------------------
 
-# What is needed on Debian, as "purpose|packages". Where releases name a package differently, its names are parted by slashes: the
-# first one that the machine's package lists know is taken.
+# The packages needed on Debian, as "purpose|packages". If releases name a package differently, its names are separated
+# by slashes, and the first one in the machine's package lists is used.
 package_sets=(
     "build the local receiver and the native tests|g++ cmake ninja-build libcpp-httplib-dev nlohmann-json3-dev libssl-dev"
     "read the options of the tools|libcli11-dev"
@@ -96,13 +96,13 @@ package_sets=(
     "make the local certificates, and sign the stand-in module|openssl osslsigncode"
     "give a run a network of its own, where localhost has its name|iproute2 netbase"
 )
-# What ./check needs beside that.
+# What ./check needs in addition.
 check_package_sets=(
     "try the program behind a proxy|squid"
     "look at the receiver's page in a browser|chromium"
     "ask a database what a fleet's report says|postgresql jq"
 )
-# What ./check --full needs beside those.
+# What ./check --full needs in addition to both.
 full_package_sets=(
     "find faults in the sources|clang clang-tidy clang-format cppcheck shellcheck libc++-16-dev/libc++-dev"
     "fuzz|clang libclang-rt-dev"
@@ -145,7 +145,7 @@ install_packages() { # pulse|release|check [full]
     [ $((${#missing[@]} + ${#optional[@]})) -eq 0 ] || apt_install "${missing[@]}" "${optional[@]}"
 }
 
-# Those of the words of which no alternative is in $installed.
+# Prints the words for which no alternative is in $installed.
 lacking_packages() { # "NAME[/NAME...] ..."
     local word name
     for word in $1; do
@@ -195,7 +195,7 @@ apt_install() { # [?]NAME[/NAME...]...
 
 # --- One run at a time in a clone ------------------------------------------------------------------------------------
 
-# Holds the clone's lock, on descriptor 9, until this shell ends. Whatever outlives it must be started with 9>&-.
+# Holds the clone's lock, on descriptor 9, until this shell ends. Start processes that outlive the shell with 9>&-.
 lock_clone() {
     local waits_for
     mkdir -p "$build"
@@ -210,13 +210,13 @@ lock_clone() {
 
 # --- Children --------------------------------------------------------------------------------------------------------
 
-# attend COMMAND...: runs COMMAND, passes a request to end this shell on to it, and waits until it has cleaned up.
+# attend COMMAND...: runs COMMAND, forwards signals that would end this shell, and waits until it has cleaned up.
 # Returns its exit code.
 attend() {
     local child status=0
     "$@" </dev/null 9>&- &
     child=$!
-    # shellcheck disable=SC2064 # the child of now
+    # shellcheck disable=SC2064 # expanded now, on purpose
     trap "kill -TERM $child 2>/dev/null || true" INT TERM HUP
     wait "$child" || status=$?
     while kill -0 "$child" 2>/dev/null; do # the wait was cut short by a signal
@@ -227,7 +227,7 @@ attend() {
     return "$status"
 }
 
-# end_child PID: asks a child to end, and insists after five seconds.
+# end_child PID: sends a child SIGTERM, and SIGKILL after five seconds.
 end_child() {
     local tries
     kill -TERM "$1" 2>/dev/null || return 0
@@ -245,7 +245,7 @@ require_localhost() {
     getent ahosts localhost >/dev/null || fail "the name localhost is unknown here; /etc/hosts needs '127.0.0.1 localhost'"
 }
 
-# wait_for_port PORT: waits a little until nobody listens on PORT; fails naming the process that does.
+# wait_for_port PORT: waits up to 30 seconds until PORT is free; otherwise fails and names the process that holds it.
 wait_for_port() {
     local tries
     for ((tries = 0; tries < 60; ++tries)); do
@@ -256,7 +256,7 @@ wait_for_port() {
     fail "port $1 is needed and still held by: $(listeners "$1")"
 }
 
-# Who listens on PORT, as 'users:(("name",pid=1,fd=3))', or as an address where the process belongs to somebody else.
+# Who listens on PORT, as 'users:(("name",pid=1,fd=3))', or as an address if the process belongs to another user.
 listeners() {
     ss --no-header --listening --tcp --numeric --processes "sport = :$1" | awk '{ print ($6 != "" ? $6 : $4) }' | sort -u
 }
@@ -265,8 +265,8 @@ listeners() {
 
 prefix_directory() { printf '%s/wine/%s' "$build" "$1"; }
 
-# wine_environment PREFIX_DIRECTORY: everything a program under Wine sees is set here, and nothing of the caller's taste
-# gets through: no display, no proxy, no locale. Home and temporary files stay in the build tree.
+# wine_environment PREFIX_DIRECTORY: sets the environment of programs under Wine, without the caller's display, proxy or
+# locale settings. Home and temporary files stay in the build tree.
 wine_environment() {
     unset "${!WINE@}" "${!LC_@}" "${!XDG_@}" LANGUAGE TZ DISPLAY WAYLAND_DISPLAY \
         http_proxy https_proxy all_proxy no_proxy HTTP_PROXY HTTPS_PROXY ALL_PROXY NO_PROXY
