@@ -1,6 +1,6 @@
 #include "bench/made_fleet.h"
 
-#include "platform/formatting.h"
+#include "platform/text/formatting.h"
 
 #include <openssl/evp.h>
 

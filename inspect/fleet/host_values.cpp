@@ -2,7 +2,7 @@
 
 #include "health/record/content_version.h"
 #include "inspect/field_texts.h"
-#include "platform/formatting.h"
+#include "platform/text/formatting.h"
 
 #include <algorithm>
 
