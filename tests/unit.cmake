@@ -151,7 +151,6 @@ if(NOT WIN32)
     vantor_test(vantor_receiver_tests
         receiver/pulse_page_test.cpp
         receiver/receiver_test.cpp)
-    vantor_precompile(vantor_receiver_tests <httplib.h> <nlohmann/json.hpp>)
     vantor_discover(vantor_receiver_tests)
     target_link_libraries(vantor_receiver_tests PRIVATE vantor_receiver_lib vantor_httplib)
     target_compile_definitions(vantor_receiver_tests PRIVATE VANTOR_PKI_DIRECTORY="${VANTOR_PKI_DIRECTORY}")
