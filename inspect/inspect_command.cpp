@@ -39,6 +39,7 @@ struct Options {
     bool json = false;
     bool fleet = false;
     bool csv = false;
+    std::string page;
     bool difference = false;
     std::size_t last = kAll;
     std::vector<std::string> files = {std::string(kStandardInput)};
@@ -73,6 +74,9 @@ void Describe(CLI::App& app, Options& options)
     app.add_flag("--csv", options.csv, "with --fleet: a flat line a pulse, for a database")
         ->needs(fleet)
         ->excludes("--json");
+    app.add_option("--html", options.page, "with --fleet: write a page of the same, too")
+        ->type_name("PAGE")
+        ->needs(fleet);
     app.add_option("FILE", options.files)->type_name("")->expected(-1);
 }
 
@@ -197,7 +201,7 @@ int RunInspect(const std::vector<std::string>& arguments, std::istream& input, s
     if (options.fleet) {
         using Output = fleet::FleetOptions::Output;
         const Output kind = options.csv ? Output::csv : options.json ? Output::json : Output::text;
-        return fleet::RunFleet({kind, options.files, {}}, input, output, errors);
+        return fleet::RunFleet({kind, options.page, options.files, {}}, input, output, errors);
     }
     return Inspector(std::move(options), input, output, errors).Run();
 }

@@ -2,7 +2,7 @@
 
 #include "health/record/content_version.h"
 #include "inspect/field_texts.h"
-#include "inspect/printable_text.h"
+#include "inspect/html_text.h"
 #include "inspect/pulse_difference.h"
 #include "inspect/utc_time.h"
 #include "receiver/pulse_page_style.h"
@@ -19,35 +19,8 @@ namespace {
 
 using inspect::Change;
 using inspect::DatedPulse;
+using inspect::HtmlText;
 using inspect::PulseDifference;
-
-/// Escapes untrusted text for HTML, also within an attribute's value.
-std::string Html(std::string_view text)
-{
-    std::string html;
-    for (const char character : inspect::PrintableText(text)) {
-        switch (character) {
-        case '&':
-            html += "&amp;";
-            break;
-        case '<':
-            html += "&lt;";
-            break;
-        case '>':
-            html += "&gt;";
-            break;
-        case '"':
-            html += "&quot;";
-            break;
-        case '\'':
-            html += "&#39;";
-            break;
-        default:
-            html += character;
-        }
-    }
-    return html;
-}
 
 /// Text within the query of an address.
 std::string Encoded(std::string_view text)
@@ -106,6 +79,7 @@ public:
                   "<title>Safety pulses</title>\n<style>"
                << kPageStyle << "</style>\n</head>\n<body>\n<main>\n<h1>Safety pulses</h1>\n";
         WriteForm(filter);
+        m_html << "<p><a href=\"/fleet\">What updates did to these hosts</a></p>\n";
         const std::size_t shown = std::min(entries.size(), kMaxShown);
         m_html
             << "<p class=\"soft\" role=\"status\">" << shown << " of " << pulses.size() << " pulses, the latest first. "
@@ -157,7 +131,7 @@ private:
         m_html
             << "</select></label>\n<label>Host's client id <input name=\"host\" placeholder=\"any\" spellcheck=\"false\" "
                "autocomplete=\"off\" value=\""
-            << Html(filter.host) << "\"></label>\n<button>Filter</button> <a href=\"/\">Show all</a>\n</form>\n";
+            << HtmlText(filter.host) << "\"></label>\n<button>Filter</button> <a href=\"/\">Show all</a>\n</form>\n";
     }
 
     void WriteEntry(const Entry& entry)
@@ -173,10 +147,11 @@ private:
             m_html << "without a client id";
         } else {
             m_html << "<a href=\"/?mode=" << Encoded(m_filter->mode) << "&amp;bit=" << Encoded(m_filter->bit)
-                   << "&amp;host=" << Encoded(host) << "\" title=\"this host's pulses alone\">" << Html(host) << "</a>";
+                   << "&amp;host=" << Encoded(host) << "\" title=\"this host's pulses alone\">" << HtmlText(host)
+                   << "</a>";
         }
-        m_html << (customer.empty() ? ", no customer id" : ", customer ") << Html(customer) << ", "
-               << Html(ClientText(*entry.pulse, "prn")) << "</p>\n";
+        m_html << (customer.empty() ? ", no customer id" : ", customer ") << HtmlText(customer) << ", "
+               << HtmlText(ClientText(*entry.pulse, "prn")) << "</p>\n";
         WriteVersions(record);
         m_html << "<p class=\"soft\">"
                << (host.empty()              ? "It is compared with no other."
@@ -223,8 +198,8 @@ private:
         m_html << "<ul aria-label=\"Changes\">";
         for (const auto* changes : {&difference.client, &difference.record}) {
             for (const auto& [name, before, after] : *changes) {
-                m_html << "<li class=\"changed\">" << Html(name) << ' ' << Html(before) << " &rarr; " << Html(after)
-                       << "</li>";
+                m_html << "<li class=\"changed\">" << HtmlText(name) << ' ' << HtmlText(before) << " &rarr; "
+                       << HtmlText(after) << "</li>";
             }
         }
         m_html << "</ul>\n";
@@ -239,7 +214,7 @@ private:
             const bool hasChanged = FindChange(difference.bits, name.key) != nullptr;
             if (holds || hasChanged) {
                 m_html << (hasChanged ? "<li class=\"changed\"" : "<li") << " title=\""
-                       << Html(inspect::BitText(name.bit)) << "\">" << (holds ? "" : "<s>") << name.key
+                       << HtmlText(inspect::BitText(name.bit)) << "\">" << (holds ? "" : "<s>") << name.key
                        << (holds ? "" : "</s>")
                        << (!hasChanged ? ""
                            : holds     ? " new"
@@ -259,10 +234,10 @@ private:
         m_html << "<h3>Text items</h3>\n<ul>";
         for (const std::string& item : items) {
             const bool isNew = std::ranges::find(difference.itemsNew, item) != difference.itemsNew.end();
-            m_html << (isNew ? "<li class=\"changed\">" : "<li>") << Html(item) << (isNew ? " new</li>" : "</li>");
+            m_html << (isNew ? "<li class=\"changed\">" : "<li>") << HtmlText(item) << (isNew ? " new</li>" : "</li>");
         }
         for (const std::string& item : difference.itemsGone) {
-            m_html << "<li class=\"changed\"><s>" << Html(item) << "</s> no longer</li>";
+            m_html << "<li class=\"changed\"><s>" << HtmlText(item) << "</s> no longer</li>";
         }
         m_html << "</ul>\n";
     }
@@ -271,12 +246,12 @@ private:
                   const std::vector<Change>& changes)
     {
         const Change* const change = FindChange(changes, name);
-        m_html << (change == nullptr ? "<tr>" : "<tr class=\"changed\">") << "<th scope=\"row\">" << Html(name)
-               << "</th><td>" << Html(value);
+        m_html << (change == nullptr ? "<tr>" : "<tr class=\"changed\">") << "<th scope=\"row\">" << HtmlText(name)
+               << "</th><td>" << HtmlText(value);
         if (change != nullptr) {
-            m_html << " <span class=\"was\">was " << Html(change->before) << "</span>";
+            m_html << " <span class=\"was\">was " << HtmlText(change->before) << "</span>";
         }
-        m_html << "</td><td>" << Html(meaning) << "</td></tr>\n";
+        m_html << "</td><td>" << HtmlText(meaning) << "</td></tr>\n";
     }
 
     void WriteFields(const HealthRecord& record, const nlohmann::ordered_json& client,

@@ -3,6 +3,7 @@
 #include "inspect/printable_text.h"
 #include "receiver/answer.h"
 #include "receiver/connections.h"
+#include "receiver/fleet_page.h"
 #include "receiver/pulse_page.h"
 
 #include <httplib.h>
@@ -19,6 +20,7 @@ using namespace std::chrono_literals;
 constexpr char kAddress[] = "127.0.0.1";
 constexpr char kPulseTarget[] = "(https://localhost(:[0-9]+)?)?/1"; // Wine sends the full URL through a tunnel
 constexpr char kPagePath[] = "/";
+constexpr char kFleetPath[] = "/fleet";
 constexpr std::size_t kBodyLimitBytes = 65'536;
 constexpr auto kIdleTimeout = 5s;
 constexpr std::time_t kIdleLimitSeconds = 10;
@@ -62,7 +64,8 @@ bool IsPacked(const httplib::Request& request)
 
 bool IsForPage(const httplib::Request& request)
 {
-    return (request.method == "GET" || request.method == "HEAD") && request.path == kPagePath;
+    return (request.method == "GET" || request.method == "HEAD") &&
+           (request.path == kPagePath || request.path == kFleetPath);
 }
 
 bool HasLength(const httplib::Request& request)
@@ -194,6 +197,7 @@ void Receiver::SetUpServer()
     m_server->Post(kPulseTarget, [this](const httplib::Request& request, httplib::Response& response,
                                         const httplib::ContentReader& read) { Answer(request, response, read); });
     m_server->Get(kPagePath, [this](const auto& request, auto& response) { AnswerPage(request, response); });
+    m_server->Get(kFleetPath, [this](const auto& request, auto& response) { AnswerPage(request, response); });
     // Bodies without a length, for which cpp-httplib would wait in vain, and those that it would unpack are not read.
     m_server->set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
         if (IsForPage(request)) {
@@ -305,7 +309,8 @@ void Receiver::AnswerPage(const httplib::Request& request, httplib::Response& re
     requestSeen = true;
     const PageFilter filter{request.get_param_value("mode"), request.get_param_value("bit"),
                             request.get_param_value("host")};
-    response.set_content(PulsePage(Pulses(), filter), "text/html; charset=utf-8");
+    response.set_content(request.path == kFleetPath ? FleetPage(Pulses()) : PulsePage(Pulses(), filter),
+                         "text/html; charset=utf-8");
     response.set_header("Content-Security-Policy", kPagePolicy);
     response.set_header("X-Content-Type-Options", "nosniff");
     response.set_header("Referrer-Policy", "no-referrer");

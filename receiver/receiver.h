@@ -53,8 +53,8 @@ public:
 /// Serves https://localhost over IPv4, with cpp-httplib. POST /1 is answered with 200 for a well-formed pulse and with
 /// 400 and the reason for any other body; other methods there with 405, other paths with 404, a body without a length
 /// with 411, one over 64 KiB with 413 and a compressed or multipart one with 415. GET / returns a page of the pulses,
-/// filtered by the queries "mode", "bit" and "host"; such requests are not kept. All functions except Start, Stop and
-/// SetCallbacks may be called from any thread at any time.
+/// filtered by the queries "mode", "bit" and "host", and GET /fleet a page of what they say about content updates; such
+/// requests are not kept. All functions except Start, Stop and SetCallbacks may be called from any thread at any time.
 class Receiver {
 public:
     /// How many of the latest pulses, and of the latest requests, are kept.

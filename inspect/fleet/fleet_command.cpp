@@ -39,6 +39,9 @@ public:
             m_output << (m_options.output == FleetOptions::Output::json ? ReportJson(report) + '\n'
                                                                         : ReportText(report));
         }
+        if (!m_options.page.empty()) {
+            WritePage(report);
+        }
         return m_exitCode;
     }
 
@@ -82,6 +85,15 @@ private:
             if (!part.first.empty()) {
                 Complain(Count(part.count) + ' ' + part.text + "; the first: " + part.first);
             }
+        }
+    }
+
+    void WritePage(const FleetReport& report)
+    {
+        std::ofstream page(m_options.page, std::ios::binary);
+        page << ReportPage(report) << std::flush;
+        if (!page) {
+            Complain(inspect::PrintableText(m_options.page) + ": it cannot be written");
         }
     }
 

@@ -13,6 +13,7 @@ struct FleetOptions {
     enum class Output { text, json, csv };
 
     Output output = Output::text;
+    std::string page;               ///< a file to write the page to; empty: none
     std::vector<std::string> files; ///< "-" is the input
     FleetLimits limits;
 };

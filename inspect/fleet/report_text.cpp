@@ -79,8 +79,7 @@ void WriteGroup(std::ostream& stream, const Group& group)
     WriteRow(stream, group.text, {"hosts", "pulses"});
     stream << '\n';
     const std::size_t shown = std::min(group.values.size(), kShownValues);
-    // Of the days the latest.
-    const std::size_t first = group.key == std::string_view("day") ? group.values.size() - shown : 0;
+    const std::size_t first = IsOfDays(group) ? group.values.size() - shown : 0;
     for (std::size_t index = first; index < first + shown; ++index) {
         const CountedValue& value = group.values[index];
         WriteRow(stream, value.name, {Count(value.hosts), Count(value.pulses)});
@@ -104,6 +103,11 @@ void WriteBits(std::ostream& stream, const FleetReport& report)
 }
 
 } // namespace
+
+bool IsOfDays(const Group& group)
+{
+    return group.key == std::string_view("day");
+}
 
 std::vector<LeftOut> LeftOutOf(const FleetReport& report)
 {

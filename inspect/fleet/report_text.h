@@ -1,4 +1,4 @@
-// The fleet's report for people and for programs.
+// The fleet's report for people, for programs and for a browser.
 #pragma once
 
 #include "inspect/fleet/fleet_report.h"
@@ -14,6 +14,12 @@ std::string ReportText(const FleetReport& report);
 
 /// One line without its end, in ASCII.
 std::string ReportJson(const FleetReport& report);
+
+/// A whole HTML document that needs no script and nothing from elsewhere, in ASCII.
+std::string ReportPage(const FleetReport& report);
+
+/// Whether the group's values are days, of which the latest are shown where there is no room for all.
+bool IsOfDays(const Group& group);
 
 /// What became of the lines and pulses that are not in the counts.
 struct LeftOut {

@@ -2,6 +2,10 @@
 // a sanitizer finds does. One program has all targets; the name that it is started under chooses one.
 #include "health/record/content_version.h"
 #include "health/record/dotted_version.h"
+#include "inspect/fleet/fleet_command.h"
+#include "inspect/fleet/pulse_csv.h"
+#include "inspect/fleet/pulse_line.h"
+#include "inspect/fleet/report_text.h"
 #include "inspect/inspect_command.h"
 #include "inspect/pulse_text.h"
 #include "platform/text/multi_string.h"
@@ -111,6 +115,11 @@ std::string WithPlantedPassword(const std::string& input)
     return others + '\n' + LogOfOptions("/server=s /port=1 /username=u /password=" + password) + others;
 }
 
+bool IsSafe(const std::string& shown)
+{
+    return std::ranges::all_of(shown, [](char c) { return c == '\n' || (c >= ' ' && c <= '~'); });
+}
+
 /// What vantor-inspect is given, logs above all: whatever it shows is safe to show and without passwords, and it complains
 /// in words.
 void inspected(const std::string& input)
@@ -127,9 +136,43 @@ void inspected(const std::string& input)
         const std::vector<std::string> arguments(option.empty() ? 0 : 1, option);
         const int exitCode = inspect::RunInspect(arguments, text, output, errors);
         Promise(exitCode == (errors.str().empty() ? 0 : 1) && (exitCode == 1 || !output.str().empty()));
-        const auto isSafe = [](char c) { return c == '\n' || (c >= ' ' && c <= '~'); };
-        Promise(std::ranges::all_of(output.str() + errors.str(), isSafe));
+        Promise(IsSafe(output.str() + errors.str()));
     }
+}
+
+/// The pulses of a fleet: whatever is said of them is safe to show, and both readers make the same of a line that the
+/// general one takes.
+void fleet_lines(const std::string& input)
+{
+    using Output = fleet::FleetOptions::Output;
+    for (const Output kind : {Output::text, Output::json, Output::csv}) {
+        std::istringstream text(input);
+        std::ostringstream output, errors;
+        const int exitCode = fleet::RunFleet({kind, {}, {"-"}, {3, 2}}, text, output, errors);
+        Promise(exitCode == (errors.str().empty() ? 0 : 1) && IsSafe(output.str() + errors.str()));
+    }
+    const std::string padded = input + std::string(fleet::kLinePadding, '"');
+    fleet::PulseLineReader reader;
+    fleet::Fleet gathered;
+    for (std::size_t begin = 0; begin < input.size();) {
+        const std::size_t end = std::min(input.find('\n', begin), input.size());
+        const std::string_view line = std::string_view(padded).substr(begin, end - begin);
+        begin = end + 1;
+        fleet::FleetPulse general, fast;
+        try {
+            fleet::ReadPulseLine(line, general);
+        } catch (const inspect::PulseError&) {
+            continue;
+        }
+        reader.Read(line, fast);
+        std::string one, other;
+        fleet::AppendCsvLine(general, 1, one);
+        fleet::AppendCsvLine(fast, 1, other);
+        Promise(one == other && general.isTest == fast.isTest);
+        gathered.Add(fast);
+    }
+    const std::string page = fleet::ReportPage(gathered.Finish());
+    Promise(IsSafe(page) && page.find("<script") == std::string::npos);
 }
 
 struct Target {
@@ -146,6 +189,7 @@ constexpr Target kTargets[] = {
     {"fuzz_text_block", text_block},
     {"fuzz_pulse", pulse},
     {"fuzz_inspected", inspected},
+    {"fuzz_fleet_lines", fleet_lines},
 };
 
 void (*run)(const std::string& input) = nullptr;

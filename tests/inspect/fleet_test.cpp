@@ -229,7 +229,7 @@ TEST(FleetInput, CountsWhatIsMalformedAndGoesOn)
         for (const std::string end : {"\n", ""}) { // the last line may have none
             std::istringstream input("\n" + Body("h-1", "h-2") + '\n' + line + end);
             std::ostringstream output, errors;
-            const int exitCode = RunFleet({FleetOptions::Output::csv, {"-"}, {}}, input, output, errors);
+            const int exitCode = RunFleet({FleetOptions::Output::csv, {}, {"-"}, {}}, input, output, errors);
             EXPECT_EQ(exitCode, reason.empty() ? 0 : 1) << line.substr(0, 300);
             EXPECT_EQ(errors.str().find("; the first: standard input: line 3: " + reason + '\n') != std::string::npos,
                       !reason.empty())

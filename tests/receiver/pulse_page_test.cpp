@@ -1,6 +1,7 @@
 #include "receiver/pulse_page.h"
 
 #include "inspect/sample_pulse.h"
+#include "receiver/fleet_page.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -65,6 +66,22 @@ TEST(PulsePage, FitsAPhoneAndNothingInAPulseBecomesMarkup)
     for (const char* const file : {"", ".html", ".shown.html"}) {
         std::filesystem::remove_all(place + file);
     }
+}
+
+TEST(FleetPage, SaysWhatItsPulsesTell)
+{
+    std::vector<inspect::DatedPulse> pulses = Pulses();
+    EXPECT_NE(FleetPage(pulses).find("3 pulses marked as tests"), std::string::npos);
+    for (std::size_t index = 0; index < pulses.size(); ++index) {
+        pulses[index].pulse.client.erase("ro");
+        pulses[index].pulse.client["rid"] = index;
+        pulses[index].received = std::chrono::sys_seconds(std::chrono::hours(30 * index));
+    }
+    pulses[0].pulse.client["cliid"] = "<script>";
+    const std::string page = FleetPage(pulses);
+    EXPECT_NE(page.find("Content unknown does not stand out in 1 updates"), std::string::npos);
+    EXPECT_NE(page.find("<code>&lt;script&gt;</code>"), std::string::npos);
+    EXPECT_EQ(page.find("<script"), std::string::npos);
 }
 
 } // namespace
