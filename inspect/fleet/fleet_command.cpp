@@ -83,7 +83,7 @@ private:
     {
         for (const LeftOut& part : LeftOutOf(report)) {
             if (!part.first.empty()) {
-                Complain(Count(part.count) + ' ' + part.text + "; the first: " + part.first);
+                Complain(std::string(part.text) + ": " + Count(part.count) + "; the first: " + part.first);
             }
         }
     }

@@ -8,6 +8,8 @@
 #include "inspect/utc_time.h"
 
 #include <algorithm>
+#include <functional>
+#include <tuple>
 #include <utility>
 
 namespace vantor::fleet {

@@ -70,6 +70,12 @@ TEST(InspectCommand, SaysWhatIsMalformedAndGoesOn)
     EXPECT_EQ(Inspect("", {"/nowhere/\x1B"}).errors, "vantor-inspect: /nowhere/\\x1B: it cannot be opened\n");
     EXPECT_EQ(Inspect("", {"--lost"}).exitCode, 2);
     EXPECT_EQ(Inspect("", {"--diff", "--last", "1"}).exitCode, 2);
+    EXPECT_EQ(Inspect("", {"--fleet", "--diff"}).exitCode, 2);
+    EXPECT_EQ(Inspect("", {"--csv"}).exitCode, 2);
+    EXPECT_EQ(
+        Inspect(body, {"--fleet", "--html", "/nowhere/page"}).errors,
+        "vantor-inspect: malformed lines: 1; the first: standard input: line 1: it is not known when the pulse was "
+        "received\nvantor-inspect: /nowhere/page: it cannot be written\n");
 }
 
 TEST(InspectCommand, ShowsWhatChanged)
