@@ -1,15 +1,23 @@
 # Tests of this tree's own sources.
 vantor_test(vantor_core_tests
     health/protection/module_trust_test.cpp
+    health/record/content_version_test.cpp
+    health/record/dotted_version_test.cpp
     health/record/health_record_test.cpp
     health/record/report_test.cpp
     platform/files/file_facts_test.cpp
     platform/text/multi_string_test.cpp
+    proxy/config/proxy_settings_test.cpp
     run/log/log_line_test.cpp
     run/options/options_test.cpp
+    run/options/usage_test.cpp
+    run/post_update_delay_test.cpp
+    run/task/registration_checks_test.cpp
+    run/task/task_description_test.cpp
     run/task/task_schedule_test.cpp
-    telemetry/winhttp/code_names_test.cpp
-    telemetry/payload_text_test.cpp)
+    telemetry/payload_text_test.cpp
+    telemetry/request/pem_test.cpp
+    telemetry/winhttp/code_names_test.cpp)
 vantor_discover(vantor_core_tests)
 target_link_libraries(vantor_core_tests PRIVATE vantor_core $<$<BOOL:${WIN32}>:shell32>)
 target_compile_definitions(vantor_core_tests PRIVATE VANTOR_SOURCE_DIRECTORY="${PROJECT_SOURCE_DIR}")
@@ -111,19 +119,36 @@ if(WIN32)
         versioned_german signed_module)
 
     vantor_test(vantor_windows_tests
-        health/protection/access_protection_test.cpp
         health/collectors_test.cpp
-        health/repair/integrity_checks_test.cpp
         health/probes/process_probe_test.cpp
         health/probes/product_probes_test.cpp
+        health/probes/text_probes_test.cpp
+        health/protection/access_protection_test.cpp
+        health/protection/trusted_module_test.cpp
+        health/repair/integrity_checks_test.cpp
+        health/tracing/trace_files_test.cpp
+        health/tracing/trace_properties_test.cpp
         health/tracing/updater_tracing_test.cpp
-        proxy/user/impersonation_test.cpp
-        platform/platform_test.cpp
-        proxy/proxy_manager_test.cpp
-        proxy/session/proxy_sessions_test.cpp
-        run/product/file_version_info_test.cpp
-        run/options/get_config_test.cpp
+        platform/files/append_file_test.cpp
+        platform/modules/module_test.cpp
+        platform/registry_test.cpp
+        platform/text/encoding_test.cpp
+        proxy/auth/proxy_auth_user_test.cpp
+        proxy/calls/name_resolver_test.cpp
+        proxy/http_proxy_manager_test.cpp
+        proxy/session/http_session_test.cpp
+        proxy/session/http_session_auto_proxy_test.cpp
+        proxy/session/http_session_named_proxy_test.cpp
+        proxy/session/system_proxy_test.cpp
+        proxy/user/logged_on_user_test.cpp
+        proxy/user/shell_names_test.cpp
+        proxy/user/user_impersonation_test.cpp
         run/log/logging_test.cpp
+        run/log/vantor_logging_test.cpp
+        run/options/get_config_test.cpp
+        run/product/brand_test.cpp
+        run/product/file_version_info_test.cpp
+        run/product/ipv6_preference_test.cpp
         run/task/scheduled_task_test.cpp
         run/task/scheduling_test.cpp
         support/recording_scheduler.cpp

@@ -33,4 +33,19 @@ private:
     DWORD Reset() override { return ERROR_SUCCESS; }
 };
 
+/// The manager's impersonation of a user.
+class ImpersonationTest : public ProxyTest {
+protected:
+    ImpersonationTest() { m_manager.InitConfig({}); }
+
+    std::string Impersonate()
+    {
+        m_tokens->calls.clear();
+        m_manager.Impersonator().Impersonate(nullptr);
+        m_manager.Impersonator().UnImpersonate();
+        m_manager.Impersonator().UnImpersonate(); // harmless
+        return m_tokens->calls;
+    }
+};
+
 } // namespace vantor

@@ -1,6 +1,4 @@
 #include "health/record/report.h"
-#include "health/record/content_version.h"
-#include "health/record/dotted_version.h"
 
 #include <gmock/gmock.h>
 
@@ -52,29 +50,6 @@ TEST(Report, DecodingSaysWhatIsWrong)
         bytes.resize(row.size);
         bytes[row.place] = row.value;
         EXPECT_THAT([&] { DecodeReport(bytes); }, testing::ThrowsMessage<ReportError>(row.failure));
-    }
-}
-
-TEST(DottedVersion, DigitsAndSingleDotsOnly)
-{
-    using Parts = std::vector<std::uint16_t>;
-    EXPECT_EQ(ParseDottedVersion("20.5"), (Parts{20, 5}));
-    EXPECT_EQ(ParseDottedVersion("7"), Parts{7});
-    EXPECT_EQ(ParseDottedVersion("65535.65536.65537"), (Parts{65535, 0, 1}));
-    EXPECT_EQ(ParseDottedVersion("10000000000000000000000000000000000001"), Parts{1});
-    for (const char* const text : {"", ".", ".5", "5.", "1..2", "1.2 ", "-1.2", "1.2a", "1,2"}) {
-        EXPECT_EQ(ParseDottedVersion(text), std::nullopt) << text;
-    }
-}
-
-TEST(ContentVersion, TwoPartsInThreeToFifteenCharacters)
-{
-    const auto version = ParseContentVersion("1234.5");
-    EXPECT_TRUE(version && version->major == 1234 && version->minor == 5);
-    EXPECT_TRUE(ParseContentVersion("1.2"));
-    EXPECT_TRUE(ParseContentVersion("0000000001.0001"));
-    for (const char* const text : {"1234", ".5", "5.", "1.2.3", "12a.4", "00000000001.0001", "", "1..2"}) {
-        EXPECT_FALSE(ParseContentVersion(text)) << text;
     }
 }
 

@@ -1,15 +1,11 @@
 #include "health/tracing/updater_tracing.h"
 
-#include "health/tracing/trace_files.h"
 #include "platform/process_list.h"
-#include "platform/text/encoding.h"
 #include "support/log_capture.h"
+#include "support/trace_folder.h"
 
 #include <gtest/gtest.h>
 
-#include <objbase.h>
-
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 
@@ -53,25 +49,6 @@ public:
     std::vector<std::tuple<TRACEHANDLE, unsigned long, ULONG>> enabled;
 };
 
-/// A folder of traces for one test.
-class ScratchFolder {
-public:
-    ScratchFolder() { std::filesystem::create_directory(path); }
-    ~ScratchFolder()
-    {
-        std::error_code error;
-        std::filesystem::remove_all(path, error);
-    }
-    std::ptrdiff_t Count() const
-    {
-        return std::distance(std::filesystem::directory_iterator(path), std::filesystem::directory_iterator());
-    }
-
-    const std::filesystem::path path =
-        std::filesystem::current_path() / ("traces_" + std::to_string(::GetCurrentProcessId()));
-    TraceFolder folder{path.wstring() + L"\\"};
-};
-
 std::wstring NameForNow()
 {
     SYSTEMTIME now{};
@@ -80,43 +57,6 @@ std::wstring NameForNow()
 }
 
 const TraceProviders kProviders = {{4, {1, 0, 0, {}}}, {5, {2, 0, 0, {}}}};
-
-/// A number in the block that Windows is given.
-template <typename Number>
-Number At(const TraceProperties& trace, std::size_t offset)
-{
-    Number number{};
-    std::memcpy(&number, reinterpret_cast<const char*>(&trace) + offset, sizeof(number));
-    return number;
-}
-
-TEST(TraceProperties, AreLaidOutAsWindowsReadsThem)
-{
-    const std::wstring file = L"C:\\x\\scupdateETL_1.log";
-    const struct {
-        std::size_t offset;
-        ULONG current, old; ///< from Windows version 6 on, and before
-    } kFields[] = {
-        // Wnode's sizes and clock, buffers, MaximumFileSize, LogFileMode, offsets of the file's and the session's name
-        {0, 4224, 4224}, {40, 1, 2},      {44, 0x20000, 0x20000}, {48, 1024, 1024}, {52, 256, 256},
-        {56, 276, 276},  {60, 10240, 10}, {64, 0x2001, 1},        {112, 120, 120},  {116, 2168, 2168},
-    };
-    const auto current = MakeTraceProperties(file, true);
-    const auto old = MakeTraceProperties(file, false);
-    ASSERT_TRUE(current && old);
-    for (const auto& field : kFields) {
-        EXPECT_EQ(At<ULONG>(*current, field.offset), field.current) << field.offset;
-        EXPECT_EQ(At<ULONG>(*old, field.offset), field.old) << field.offset;
-    }
-    wchar_t guid[64];
-    ::StringFromGUID2(At<GUID>(*current, 24), guid, 64);
-    EXPECT_STREQ(guid, L"{D67AAF49-A12E-4ACB-A2B0-F92304295DE3}");
-    EXPECT_EQ(reinterpret_cast<const wchar_t*>(&*current) + 120 / 2, file);
-    EXPECT_EQ(reinterpret_cast<const wchar_t*>(&*current) + 2168 / 2, std::wstring(L"scupdateLogger"));
-    EXPECT_TRUE(MakeTraceProperties(std::wstring(1023, L'x'), true));
-    EXPECT_FALSE(MakeTraceProperties(std::wstring(1024, L'x'), true));
-    EXPECT_TRUE(IsWindowsVersion6());
-}
 
 TEST(UpdaterTracing, StartsOrReusesASessionAndEnablesWhatIsNotRegistered)
 {
@@ -185,33 +125,6 @@ TEST(UpdaterTracing, OverwritesNothingThatWasPlantedUnderAComingName)
     EXPECT_TRUE(log.Has("ERROR: Failed to start logging. exitCode:80"));
     EXPECT_EQ(std::filesystem::file_size(victim), 4u);
     EXPECT_EQ(scratch.Count(), 61); // nor was anything deleted
-}
-
-TEST(UpdaterTracing, KeepsToItsFolderAndNamesTheTraceThatCannotGo)
-{
-    ScratchFolder scratch;
-    ASSERT_EQ(scratch.folder.Hold(), 0u);
-    EXPECT_FALSE(::MoveFileW(scratch.path.c_str(), L"moved")); // it is held
-    std::filesystem::create_directory(scratch.path / "inner");
-    std::ofstream(scratch.path / "inner" / "b.log") << "kept";
-    EXPECT_EQ(scratch.folder.Create(L"inner\\a.log"), DWORD{ERROR_CANT_ACCESS_FILE});
-    EXPECT_EQ(scratch.folder.Delete(L"inner\\b.log"), DWORD{ERROR_CANT_ACCESS_FILE});
-    EXPECT_FALSE(std::filesystem::exists(scratch.path / "inner" / "a.log"));
-    EXPECT_TRUE(std::filesystem::exists(scratch.path / "inner" / "b.log"));
-
-    for (wchar_t number = L'0'; number <= L'9'; ++number) {
-        EXPECT_EQ(scratch.folder.Create(std::wstring(L"scupdateETL_") + number + L".log"), 0u);
-    }
-    const auto files = scratch.folder.List();
-    ASSERT_EQ(files.size(), 10u);
-    const std::wstring oldest = (scratch.path / files[0]).wstring();
-    ::SetFileAttributesW(oldest.c_str(), FILE_ATTRIBUTE_READONLY);
-    const LogCapture log;
-    EXPECT_FALSE(TrimTraceFiles(scratch.folder, files));
-    EXPECT_TRUE(log.Has(" WARN: An old trace cannot be deleted: " + ToNarrow(files[0]) + " Error:5"));
-    ::SetFileAttributesW(oldest.c_str(), FILE_ATTRIBUTE_NORMAL);
-    EXPECT_TRUE(TrimTraceFiles(scratch.folder, files));
-    EXPECT_EQ(scratch.folder.List().size(), 9u);
 }
 
 TEST(UpdaterTracing, StartingAndStoppingSayHowTheyWent)

@@ -1,7 +1,5 @@
 #include "run/options/get_config.h"
 
-#include "run/product/brand.h"
-#include "run/product/ipv6_preference.h"
 #include "support/scratch_registry.h"
 
 #include <gtest/gtest.h>
@@ -40,39 +38,6 @@ TEST(GetConfig, AnyStateOfTheRegistryValueGivesAPathOrNone)
         registry.Set(kLogPathKey, L"szVanTORLog", row.type, row.data);
         EXPECT_EQ(LogPath(), row.path) << row.data.size();
     }
-}
-
-TEST(Brand, ConsumerProduct)
-{
-    constexpr wchar_t kConsumer[] = L"Software\\Vexora\\VSC";
-    constexpr wchar_t kEngine[] = L"Software\\VxeAV";
-    const std::wstring longest(30, L'x'); // 62 bytes with its terminator
-    {
-        ScratchRegistry registry;
-        EXPECT_FALSE(IsConsumerProductInstalled());
-        registry.Set(kEngine, L"VersionInfo", longest);
-        EXPECT_TRUE(IsConsumerProductInstalled());
-        registry.Create(kConsumer); // its own values decide as soon as this key is there
-        EXPECT_FALSE(IsConsumerProductInstalled());
-        registry.Set(kConsumer, L"MarketReleaseName", longest + L"x");
-        EXPECT_FALSE(IsConsumerProductInstalled());
-        registry.Set(kConsumer, L"MarketReleaseVer", L"1");
-        EXPECT_TRUE(IsConsumerProductInstalled());
-    }
-    ScratchRegistry registry;
-    registry.Set(kConsumer, L"MarketReleaseName", L"");
-    EXPECT_TRUE(IsConsumerProductInstalled());
-}
-
-TEST(Ipv6Preference, AnyNumberButZero)
-{
-    constexpr wchar_t kKey[] = L"SOFTWARE\\Vexora\\AVSolution\\VXSHIELDGLOBAL\\GLOBAL";
-    ScratchRegistry registry;
-    EXPECT_FALSE(PrefersIpv6());
-    registry.Set(kKey, L"vriuseipv6", DWORD{0});
-    EXPECT_FALSE(PrefersIpv6());
-    registry.Set(kKey, L"vriuseipv6", DWORD{0x80000000});
-    EXPECT_TRUE(PrefersIpv6());
 }
 
 } // namespace

@@ -1,7 +1,6 @@
 #include "run/task/task_schedule.h"
 #include "run/options/options.h"
 #include "run/task/registration_checks.h"
-#include "run/task/task_description.h"
 #include "support/command_line.h"
 #include "support/recording_logger.h"
 
@@ -14,11 +13,7 @@
 #endif
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <map>
 #include <random>
-#include <regex>
 
 namespace vantor {
 namespace {
@@ -113,25 +108,6 @@ TEST(TaskSchedule, TheNextRunGetsTheLogsPathAndWholeCredentialsAsTheyAre)
     EXPECT_GT(whole, 1500);
 }
 
-TEST(TaskSchedule, APathThatOthersSeeOtherwiseAndATaskOfAnotherOwnerAreToldApart)
-{
-    const auto isOwnDrive = [](char letter) { return letter == 'C'; };
-    for (const char* path : {"C:\\a", "C:/a", "\\\\?\\C:\\a"}) {
-        EXPECT_TRUE(IsTheSameForEveryone(path, isOwnDrive)) << path;
-    }
-    for (const char* path :
-         {"M:\\a", "a.log", "\\a", "C:a", "\\\\box\\share\\a", "\\\\?\\UNC\\box\\a", "1:\\a", "C:\\"}) {
-        EXPECT_FALSE(IsTheSameForEveryone(path, isOwnDrive)) << path;
-    }
-    for (const wchar_t* owner : {L"O:SY", L"O:BAG:SYD:(A;;FA;;;BA)", L"O:S-1-5-18G:BA", L"O:S-1-5-32-544"}) {
-        EXPECT_TRUE(IsOwnedByAdministrators(owner)) << owner;
-    }
-    for (const wchar_t* owner :
-         {L"", L"O:", L"O::", L"O:BU", L"O:BAD", L"O:S-1-5-21-1-2-3-1001G:BA", L"G:BA", L"D:(A;;FA;;;BA)"}) {
-        EXPECT_FALSE(IsOwnedByAdministrators(owner)) << owner;
-    }
-}
-
 TEST(TaskSchedule, TheWindowLastsThreeDaysWhateverTheClockDoes)
 {
     const auto easternTime = [](std::chrono::sys_seconds time) {
@@ -142,20 +118,6 @@ TEST(TaskSchedule, TheWindowLastsThreeDaysWhateverTheClockDoes)
     const TaskWindow window = WindowAfter(eveBeforeSpring, 86400s, easternTime);
     EXPECT_EQ(window.start, "2026-03-07T23:00:00");
     EXPECT_EQ(window.end, "2026-03-11T00:00:00");
-}
-
-TEST(TaskDescription, EachLanguageHasItsTextAndAnyOtherTheEnglishOne)
-{
-    std::map<unsigned long, std::string> texts;
-    std::ifstream file(VANTOR_SOURCE_DIRECTORY "/tests/run/task/task_descriptions.tsv", std::ios::binary);
-    for (std::string id, text; std::getline(file, id, '\t') && std::getline(file, text);) {
-        texts[std::stoul(id, nullptr, 16)] = std::regex_replace(text, std::regex(R"(\\u00A0)"), "\xC2\xA0");
-    }
-    ASSERT_EQ(texts.size(), 31u);
-    for (unsigned language = 0; language <= 0xFFFF; ++language) {
-        const auto text = std::filesystem::path(TaskDescription(static_cast<std::uint16_t>(language))).u8string();
-        ASSERT_EQ(std::string(text.begin(), text.end()), texts[texts.contains(language) ? language : 0x0409]);
-    }
 }
 
 } // namespace

@@ -1,12 +1,10 @@
-#include "platform/modules/module.h"
 #include "platform/registry.h"
-#include "platform/text/encoding.h"
+
 #include "support/scratch_registry.h"
 
 #include <gtest/gtest.h>
 
 namespace vantor {
-namespace {
 
 TEST(RegistryKey, ReadsEveryStateOfAValueAlike)
 {
@@ -50,26 +48,4 @@ TEST(RegistryKey, ReadsEveryStateOfAValueAlike)
     EXPECT_EQ(key->SetDword(L"value", 1) + key->DeleteValue(L"value"), 2 * ERROR_ACCESS_DENIED);
 }
 
-TEST(SystemModuleTest, NamesTheFirstThingThatIsMissing)
-{
-    SystemModule kernel(L"kernel32.dll");
-    const ModuleFunction<decltype(::GetTickCount64)> tickCount(kernel, "GetTickCount64");
-    EXPECT_EQ(kernel.FindMissing(), "");
-    EXPECT_LE(tickCount(), ::GetTickCount64());
-
-    SystemModule older(L"kernel32.dll");
-    const ModuleFunction<decltype(::GetTickCount64)> known(older, "GetTickCount64");
-    const ModuleFunction<decltype(::GetTickCount64)> unknown(older, "NoSuchFunction");
-    EXPECT_EQ(older.FindMissing(), "kernel32.dll, function NoSuchFunction: error 127");
-    EXPECT_EQ(SystemModule(L"no_such.dll").FindMissing(), "no_such.dll: error 126");
-}
-
-TEST(Text, NoCharacterBecomesOneThatLooksLikeIt)
-{
-    const std::string narrow = ToNarrow(L"\uFF02\u2033\uFF0F\uFF3C"); // wide and double quotes, slashes
-    EXPECT_EQ(narrow.find_first_of("\"/\\"), narrow.npos) << narrow << " in code page " << ::GetACP();
-    EXPECT_EQ(ToUtf8(L"\uFF02"), "\xEF\xBC\x82");
-}
-
-} // namespace
 } // namespace vantor

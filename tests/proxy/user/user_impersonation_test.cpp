@@ -1,24 +1,8 @@
-#include "support/proxy_test.h"
-#include "support/scratch_registry.h"
+#include "proxy/user/user_impersonation.h"
 
-#include "proxy/user/shell_names.h"
+#include "support/proxy_test.h"
 
 namespace vantor {
-namespace {
-
-class ImpersonationTest : public ProxyTest {
-protected:
-    ImpersonationTest() { m_manager.InitConfig({}); }
-
-    std::string Impersonate()
-    {
-        m_tokens->calls.clear();
-        m_manager.Impersonator().Impersonate(nullptr);
-        m_manager.Impersonator().UnImpersonate();
-        m_manager.Impersonator().UnImpersonate(); // harmless
-        return m_tokens->calls;
-    }
-};
 
 TEST_F(ImpersonationTest, TheThreadIsItselfAgainWhateverFails)
 {
@@ -71,43 +55,4 @@ TEST_F(ImpersonationTest, TheThreadIsItselfAgainWhateverFails)
                        "ends here: nothing is safe to do as another user."));
 }
 
-TEST_F(ImpersonationTest, TheUserAtTheConsoleComesFirstAndSystemNever)
-{
-    m_tokens->processes = {{{5, 0, "explorer.exe"}, {6, 0, "explorer.exe"}, {7, 0, "explorer.exe"}}};
-    m_tokens->users = {{5, "remote"}, {6, "console"}, {7, "system"}};
-    m_tokens->sessions = {{5, 1}, {6, 2}, {7, 2}};
-    const struct {
-        DWORD console;
-        std::deque<DWORD> failing; ///< errors of OpenProcess
-        const char* impersonated;
-    } kCases[] = {{2, {}, "console"},  {1, {}, "remote"},  {kNoSession, {}, "remote"},
-                  {3, {5}, "console"}, {2, {5}, "remote"}, {2, {5, 0, 5}, "safer"}};
-    for (const auto& [console, failing, impersonated] : kCases) {
-        m_tokens->consoleSession = console;
-        m_tokens->errors["OpenProcess"] = failing;
-        EXPECT_THAT(Impersonate(), ::testing::HasSubstr("Impersonate " + std::string(impersonated) + ";Revert;"));
-    }
-    EXPECT_TRUE(AutoLogged("GetExplorersToken: Passed over, since SYSTEM is no logged-on user: PID:0x7"));
-}
-
-TEST_F(ImpersonationTest, TheShellIsTheOneOfTheRegistry)
-{
-    m_tokens->processes = {{{5, 0, "explorer.exe"}, {6, 0, "kiosk.exe"}}, "Process32Next", 8};
-    ScratchRegistry registry;
-    EXPECT_THAT(Impersonate(), ::testing::HasSubstr("OpenProcess 1040 5;"));
-    EXPECT_TRUE(AutoLogged("IsAnyProcessRunning: Process32Next() returns unexpected code 8"));
-    registry.Set(L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon", L"Shell", L"C:\\Shop\\Kiosk.EXE /full");
-    EXPECT_THAT(Impersonate(), ::testing::HasSubstr("OpenProcess 1040 6;"));
-
-    using Names = std::vector<std::wstring>;
-    EXPECT_EQ(ShellNames(L"explorer.exe,Kiosk.EXE ,, C:\\A b\\s.exe"),
-              (Names{L"explorer.exe", L"kiosk.exe", L"s.exe"}));
-    EXPECT_EQ(ShellNames(L"\"C:\\Program Files\\x,y\\my shell.exe\" /y,b.exe"), (Names{L"my shell.exe", L"b.exe"}));
-    EXPECT_EQ(ShellNames(L"C:\\Program Files\\a.exes\\s.exe C:\\other\\z.exe /x"), Names{L"s.exe"});
-    EXPECT_EQ(ShellNames(L"%SystemRoot%/explorer /n"), Names{L"explorer"});
-    EXPECT_EQ(ShellNames(L"\"open"), Names{L"open"});
-    EXPECT_EQ(ShellNames(L" , \"\""), Names{L"explorer.exe"});
-}
-
-} // namespace
 } // namespace vantor

@@ -1,9 +1,8 @@
+#include "proxy/http_proxy_manager.h"
+
 #include "support/proxy_test.h"
 
-#include "proxy/auth/proxy_auth_user.h"
-
 namespace vantor {
-namespace {
 
 TEST_F(ProxyTest, TheConfigurationChoosesTheSession)
 {
@@ -48,24 +47,4 @@ TEST_F(ProxyTest, FallsBackOnceUntilTheFallbackIsCleared)
     EXPECT_FALSE(m_manager.IsFallbackInForce());
 }
 
-TEST_F(ProxyTest, TheCurrentUsersSchemeNeverLeavesTheThreadImpersonating)
-{
-    const ProxyHost host{m_http, Windows(), m_log, L"Agent", {.m_currentUser = &m_request}};
-    EXPECT_FALSE(CHTTPProxyAuthUser(m_log, nullptr).InitRequest(host, m_request));
-    EXPECT_TRUE(Logged("T CHTTPProxyAuthUser::InitRequest: m_impersonator is null."));
-
-    const std::string once = "LoadModules;OpenThreadToken 12;Duplicate;Impersonate supplied;Revert;";
-    EXPECT_TRUE(CHTTPProxyAuthUser(m_log, &m_manager.Impersonator()).InitRequest(host, m_request));
-    EXPECT_EQ(m_tokens->calls, once); // ended without clean-up, as by an exception
-
-    CHTTPProxyAuthUser scheme(m_log, &m_manager.Impersonator());
-    m_http->errors["SetOption 0"] = {ERROR_WINHTTP_INVALID_OPTION};
-    EXPECT_FALSE(scheme.InitRequest(host, m_request));
-    EXPECT_TRUE(Logged("T CHTTPProxyAuthUser::InitRequest: Automatic logon failed."));
-    EXPECT_EQ(m_tokens->calls, once + once);
-    EXPECT_TRUE(scheme.CleanRequest()); // for the second time, which is harmless
-    EXPECT_EQ(m_tokens->calls, once + once);
-}
-
-} // namespace
 } // namespace vantor
