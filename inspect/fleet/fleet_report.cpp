@@ -176,8 +176,8 @@ std::vector<VersionReport> Fleet::Versions() const
         all.Add(updates);
     }
     std::vector<VersionReport> versions;
-    for (auto next = m_versions.rbegin(); next != m_versions.rend(); ++next) {
-        const auto& [number, updates] = *next;
+    std::for_each(m_versions.rbegin(), m_versions.rend(), [&](const auto& entry) {
+        const auto& [number, updates] = entry;
         VersionReport& version = versions.emplace_back();
         version.version = ContentVersionText(number);
         version.updates = updates.updates;
@@ -187,7 +187,7 @@ std::vector<VersionReport> Fleet::Versions() const
         for (std::size_t harm = 0; harm < kHarms.size(); ++harm) {
             version.harms.push_back(Rate(harm, updates, all));
         }
-    }
+    });
     std::ranges::stable_sort(versions, std::greater<>(), Excess);
     return versions;
 }
