@@ -100,7 +100,7 @@ private:
     void PlanDay(std::uint32_t number, std::vector<Event>& events)
     {
         HostState& host = m_hosts[number];
-        Dice dice(m_settings.seed, number, 2 * m_day);
+        Dice dice(m_settings.seed, number, std::uint64_t{2} * m_day);
         const std::uint32_t periodic = dice.Below(kDaySeconds);
         const std::uint32_t before = dice.Below(kDaySeconds - 4 * 3600);
         const std::uint32_t after = before + 60 + dice.Below(1800);

@@ -10,14 +10,17 @@ constexpr std::string_view kAlphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmn
 constexpr std::uint8_t kForeign = 0xFF;
 
 /// The value of each byte as a character of the alphabet, or kForeign.
-constexpr std::array<std::uint8_t, 256> kValues = [] {
+constexpr std::array<std::uint8_t, 256> CharacterValues()
+{
     std::array<std::uint8_t, 256> values{};
     values.fill(kForeign);
     for (std::size_t value = 0; value < kAlphabet.size(); ++value) {
         values[static_cast<std::uint8_t>(kAlphabet[value])] = static_cast<std::uint8_t>(value);
     }
     return values;
-}();
+}
+
+constexpr std::array<std::uint8_t, 256> kValues = CharacterValues();
 
 } // namespace
 

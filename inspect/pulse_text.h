@@ -10,7 +10,7 @@
 namespace vantor::inspect {
 
 /// A pulse and the time when it was received, if known.
-struct DatedPulse {
+struct DatedPulse { // NOLINT(bugprone-exception-escape): the JSON type's moves look as if they could throw
     std::optional<std::chrono::sys_seconds> received;
     Pulse pulse;
 };

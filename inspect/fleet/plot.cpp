@@ -133,9 +133,9 @@ std::string ChangePlot(const std::vector<Change>& changes, const std::string& un
         const double step = std::min(frame.ColumnWidth() * 0.2, 12.0);
         const std::string y1 = At(frame.Y(change.before));
         const std::string y2 = At(frame.Y(change.after));
-        svg += Element("line", "change",
-                       "x1=\"" + At(x - step) + "\" y1=\"" + y1 + "\" x2=\"" + At(x + step) + "\" y2=\"" + y2 + '"',
-                       change.hint);
+        const std::string start = "x1=\"" + At(x - step) + "\" y1=\"" + y1 + '"';
+        const std::string end = " x2=\"" + At(x + step) + "\" y2=\"" + y2 + '"';
+        svg += Element("line", "change", start + end, change.hint);
         svg += Element("circle", "before", "cx=\"" + At(x - step) + "\" cy=\"" + y1 + "\" r=\"4\"", change.hint);
         svg += Element("circle", "after", "cx=\"" + At(x + step) + "\" cy=\"" + y2 + "\" r=\"4\"", change.hint);
     }

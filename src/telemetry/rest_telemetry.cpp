@@ -224,7 +224,8 @@ void SendTelemetry(std::span<const std::uint8_t> report, const RunConfig& config
         return;
     }
     try {
-        RESTTelemetry(config, std::move(http)).Send(report);
+        RESTTelemetry telemetry(config, std::move(http));
+        telemetry.Send(report);
     } catch (const std::exception& error) { // such as no memory for a reply: the run continues without its report
         LogError(texts::kSendTelemetryFailed + (std::string(": ") + error.what()));
     }

@@ -10,8 +10,8 @@
 #include "inspect/pulse_text.h"
 #include "platform/text/multi_string.h"
 #include "run/options/options.h"
-#include "support/words.h"
 #include "support/password_log.h"
+#include "support/words.h"
 #include "telemetry/request/pem.h"
 
 #include <algorithm>
