@@ -71,11 +71,13 @@ TEST(PulsePage, FitsAPhoneAndNothingInAPulseBecomesMarkup)
 TEST(FleetPage, SaysWhatItsPulsesTell)
 {
     std::vector<inspect::DatedPulse> pulses = Pulses();
-    EXPECT_NE(FleetPage(pulses).find("3 pulses marked as tests"), std::string::npos);
     for (std::size_t index = 0; index < pulses.size(); ++index) {
-        pulses[index].pulse.client.erase("ro");
         pulses[index].pulse.client["rid"] = index;
         pulses[index].received = std::chrono::sys_seconds(std::chrono::hours(30 * index));
+    }
+    EXPECT_NE(FleetPage(pulses).find("3 pulses marked as tests"), std::string::npos);
+    for (inspect::DatedPulse& pulse : pulses) {
+        pulse.pulse.client.erase("ro");
     }
     pulses[0].pulse.client["cliid"] = "<script>";
     const std::string page = FleetPage(pulses);
