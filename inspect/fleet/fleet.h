@@ -52,8 +52,8 @@ private:
         std::uint64_t updates = 0;
         std::uint64_t pairs = 0;
         std::array<std::uint64_t, kHarms.size()> hits{};
-        std::array<std::array<std::uint32_t, kExamples>, kHarms.size()>
-            examples{}; ///< hosts, as many as there are hits
+        /// Indices of hosts, for each harm the first kExamples that have it.
+        std::array<std::array<std::uint32_t, kExamples>, kHarms.size()> examples{};
         MemoryChange shieldMemory;
         MemoryChange eatpMemory;
 

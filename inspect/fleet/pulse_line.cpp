@@ -1,7 +1,6 @@
 #include "inspect/fleet/pulse_line.h"
 
 #include "inspect/shallow_json.h"
-#include "inspect/utc_time.h"
 
 namespace vantor::fleet {
 namespace {

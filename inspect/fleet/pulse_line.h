@@ -30,7 +30,7 @@ private:
     const std::unique_ptr<Fast> m_fast;
 };
 
-/// The same with the JSON reader of vantor-inspect: about six times slower, and the judge of every line that the faster
+/// The same with the JSON reader of vantor-inspect: about twenty times slower, and the judge of every line that the faster
 /// reader does not take. Needs no padding.
 void ReadPulseLine(std::string_view line, FleetPulse& pulse);
 
