@@ -61,7 +61,7 @@ TEST(Probes, EveryFieldOfARichMachineIsReported)
     EXPECT_EQ(EncodeHealthRecord(preUpdate.record), expected);
     // Wine 10 keeps no processor where it cannot ask the system for one.
     const bool hasProcessor =
-        !RegistryValue(R"(HKLM\HARDWARE\DESCRIPTION\System\CentralProcessor\0)", "Identifier").empty();
+        RegistryValues(R"(HKLM\HARDWARE\DESCRIPTION\System\CentralProcessor\0)").contains("Identifier");
     const std::string processor = hasProcessor ? "Sample processor" : "Unavailable";
     EXPECT_EQ(preUpdate.textItems,
               (std::vector<std::string>{"11.2.0", "9.1", "HSQ_Home", "HSQ_16.0", processor, "0x0409", "11.3.0", "1391",

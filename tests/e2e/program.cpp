@@ -182,12 +182,18 @@ void SetRegistry(const std::string& lines)
     ASSERT_EQ(outcome.exitCode, 0) << outcome.standardOutput << outcome.standardError;
 }
 
-std::string RegistryValue(const std::string& key, const std::string& value)
+std::map<std::string, std::string> RegistryValues(const std::string& key)
 {
-    const Outcome outcome = RunUnderWine({"reg", "query", key, "/v", value});
-    std::smatch found;
-    const std::regex line("    " + value + " +REG_[A-Z_]+ +(.*)\r");
-    return std::regex_search(outcome.standardOutput, found, line) ? found[1].str() : "";
+    std::map<std::string, std::string> values;
+    std::istringstream output(RunUnderWine({"reg", "query", key}).standardOutput);
+    const std::regex value("    (.*)    REG_[A-Z_]+    (.*)\r");
+    std::smatch parts;
+    for (std::string line; std::getline(output, line);) {
+        if (std::regex_match(line, parts, value)) {
+            values[parts[1]] = parts[2];
+        }
+    }
+    return values;
 }
 
 std::string WithoutVersion(std::string text)

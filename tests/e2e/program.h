@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -55,8 +56,8 @@ Outcome RunProgram(const std::filesystem::path& program, std::vector<std::string
 /// reports to this machine, and adds these lines of a registry file.
 void SetRegistry(const std::string& lines = {});
 
-/// A value of the prefix's registry as "reg query" shows it; empty if there is none.
-std::string RegistryValue(const std::string& key, const std::string& value);
+/// The values of a key of the prefix's registry as "reg query" shows them, each under its name.
+std::map<std::string, std::string> RegistryValues(const std::string& key);
 
 /// The text with placeholders for the program's version: "<version>" as in the payload, "<version fields>" as in the log
 /// of a record, "<version bytes>" as in a record in Base64, where the throttle mode, 0, follows the version.

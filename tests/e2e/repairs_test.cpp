@@ -94,10 +94,11 @@ TEST(Repairs, BeforeAndAfter)
         EXPECT_EQ(outcome.log.empty(), row.exitCode != 0);
         EXPECT_EQ(outcome.Logged(" WARN: This product is not configured for update etl tracing"),
                   row.arguments.front() == "/hcmode=predatupdate");
-        EXPECT_EQ(RegistryValue(kService, "Start"), row.start);
-        EXPECT_EQ(RegistryValue(kService, "DeleteFlag"), row.deleteFlag);
-        EXPECT_EQ(RegistryValue(kService, "Other"), row.machine.empty() ? "" : "kept");
-        EXPECT_EQ(RegistryValue(kQuality, kQualityValue), row.quality);
+        auto service = RegistryValues(kService);
+        EXPECT_EQ(service["Start"], row.start);
+        EXPECT_EQ(service["DeleteFlag"], row.deleteFlag);
+        EXPECT_EQ(service["Other"], row.machine.empty() ? "" : "kept");
+        EXPECT_EQ(RegistryValues(kQuality)[kQualityValue], row.quality);
         const bool isSent = row.arguments.front() != "/uninstall" && row.exitCode == 0;
         const auto pulses = receiver.Pulses();
         ASSERT_EQ(pulses.size(), isSent ? 1u : 0u);
