@@ -29,22 +29,27 @@ if(NOT WIN32)
         inspect/inspect_command_test.cpp
         inspect/pulse_decoder_test.cpp
         inspect/run_log_test.cpp)
-    vantor_precompile(vantor_inspect_tests <nlohmann/json.hpp>)
     vantor_discover(vantor_inspect_tests)
     target_link_libraries(vantor_inspect_tests PRIVATE vantor_inspect_lib vantor_fleet)
 endif()
 # The program itself, on this machine and under Wine: a pulse must give exit code 0, and a log the right summary.
+if(WIN32)
+    set(labels LABELS full)
+else()
+    add_dependencies(quick vantor-inspect)
+    set(labels "")
+endif()
 set(inspect_test ${test_prefix}vantor-inspect)
 file(APPEND "${test_programs}" "${inspect_test}|vantor-inspect|\n")
 add_test(NAME ${inspect_test}.exit-code
     COMMAND vantor-inspect "${CMAKE_CURRENT_SOURCE_DIR}/fuzz/corpus/pulse/periodic.txt")
-set_tests_properties(${inspect_test}.exit-code PROPERTIES TIMEOUT 60)
+set_tests_properties(${inspect_test}.exit-code PROPERTIES TIMEOUT 60 ${labels})
 file(READ e2e/periodic.log log)
 string(REPLACE "<version fields>" "\"vantor_major\": ${PROJECT_VERSION_MAJOR} \"vantor_minor\": ${PROJECT_VERSION_MINOR} \
 \"vantor_patch\": ${PROJECT_VERSION_PATCH} \"vantor_build\": ${PROJECT_VERSION_TWEAK}" log "${log}")
 file(WRITE "${CMAKE_CURRENT_BINARY_DIR}/periodic.log" "${log}")
 add_test(NAME ${inspect_test} COMMAND vantor-inspect "${CMAKE_CURRENT_BINARY_DIR}/periodic.log")
-set_tests_properties(${inspect_test} PROPERTIES TIMEOUT 60
+set_tests_properties(${inspect_test} PROPERTIES TIMEOUT 60 ${labels}
     PASS_REGULAR_EXPRESSION "The periodic pulse was delivered directly; [0-9]+ warnings, 1 error\\.")
 
 if(WIN32)
@@ -62,9 +67,10 @@ if(WIN32)
 
     # The program's runs, many of them in one process.
     add_executable(many_runs stand_ins/many_runs.cpp)
-    target_link_libraries(many_runs PRIVATE vantor_windows ole32 oleaut32 taskschd)
+    target_link_libraries(many_runs PRIVATE vantor_windows)
     vantor_strict(many_runs)
 
+    add_library(module_stand_in OBJECT stand_ins/module.cpp)
     # versioned_module(NAME [TRANSLATIONS]): a module with a version resource that has this translation table, or none.
     function(versioned_module name)
         set(variables "")
@@ -72,7 +78,7 @@ if(WIN32)
             set(variables "BLOCK \"VarFileInfo\" BEGIN VALUE \"Translation\", ${ARGV1} END")
         endif()
         configure_file(stand_ins/versioned.rc.in "${CMAKE_CURRENT_BINARY_DIR}/${name}.rc" @ONLY)
-        add_library(${name} MODULE stand_ins/module.cpp "${CMAKE_CURRENT_BINARY_DIR}/${name}.rc")
+        add_library(${name} MODULE $<TARGET_OBJECTS:module_stand_in> "${CMAKE_CURRENT_BINARY_DIR}/${name}.rc")
         set_target_properties(${name} PROPERTIES PREFIX "")
     endfunction()
     enable_language(RC)
@@ -81,10 +87,10 @@ if(WIN32)
     versioned_module(versioned_german_english "0x0407, 1252, 0x0409, 1200")
     versioned_module(versioned_german_english_neutral "0x0407, 1252, 0x0409, 1200, 0, 1200")
     foreach(broken IN ITEMS versioned_lying versioned_short)
-        add_library(${broken} MODULE stand_ins/module.cpp stand_ins/${broken}.rc)
+        add_library(${broken} MODULE $<TARGET_OBJECTS:module_stand_in> stand_ins/${broken}.rc)
         set_target_properties(${broken} PROPERTIES PREFIX "")
     endforeach()
-    add_library(unversioned MODULE stand_ins/module.cpp)
+    add_library(unversioned MODULE $<TARGET_OBJECTS:module_stand_in>)
     set_target_properties(unversioned PROPERTIES PREFIX "")
 
     # The product's access-protection module: a stand-in without a signature, and signed copies. They stay out of the
@@ -117,6 +123,7 @@ if(WIN32)
     # What the end-to-end tests start or copy.
     add_custom_target(end_to_end DEPENDS vantor vantor_windows_tests process_stand_in starter proxied_client many_runs
         versioned_german signed_module)
+    add_dependencies(quick end_to_end)
 
     vantor_test(vantor_windows_tests
         health/collectors_test.cpp
@@ -157,8 +164,6 @@ if(WIN32)
         telemetry/request/http_request_test.cpp
         telemetry/rest_telemetry_test.cpp
         telemetry/vri_rest_test.cpp)
-    vantor_precompile(vantor_windows_tests <windows.h>)
-    set_source_files_properties(support/recording_scheduler.cpp PROPERTIES SKIP_PRECOMPILE_HEADERS ON)
     if(CMAKE_CROSSCOMPILING_EMULATOR) # local time must not be UTC's
         set_property(TARGET vantor_windows_tests PROPERTY CROSSCOMPILING_EMULATOR
             ${CMAKE_CROSSCOMPILING_EMULATOR} TZ=JST-9)
@@ -167,7 +172,7 @@ if(WIN32)
     add_dependencies(vantor_windows_tests signed_module exportless_module process_stand_in starter unversioned
         versioned_none versioned_lying versioned_short versioned_german
         versioned_german_english versioned_german_english_neutral)
-    target_link_libraries(vantor_windows_tests PRIVATE vantor_windows winhttp crypt32 ole32 oleaut32 taskschd)
+    target_link_libraries(vantor_windows_tests PRIVATE vantor_windows winhttp crypt32)
     target_compile_definitions(vantor_windows_tests PRIVATE
         VANTOR_SOURCE_DIRECTORY="${PROJECT_SOURCE_DIR}" VANTOR_PKI_DIRECTORY="${VANTOR_PKI_DIRECTORY}")
 endif()

@@ -100,12 +100,12 @@ package_sets=(
 check_package_sets=(
     "try the program behind a proxy|squid"
     "look at the receiver's page in a browser|chromium"
-    "ask a database what a fleet's report says|postgresql jq"
 )
 # What ./check --full needs in addition to both.
 full_package_sets=(
     "find faults in the sources|clang clang-tidy clang-format cppcheck shellcheck libc++-16-dev/libc++-dev"
     "fuzz|clang libclang-rt-dev"
+    "ask a database what a fleet's report says|postgresql jq"
 )
 # What tools/make-release needs beside the first.
 release_package_sets=(

@@ -12,7 +12,7 @@ namespace {
 
 constexpr int kNameWidth = 48;
 constexpr int kNumberWidth = 14;
-constexpr std::size_t kShownValues = 15;
+constexpr std::size_t kListedValues = 15;
 
 void WriteRow(std::ostream& stream, std::string_view name, std::initializer_list<std::string> cells)
 {
@@ -78,7 +78,7 @@ void WriteGroup(std::ostream& stream, const Group& group)
     stream << '\n';
     WriteRow(stream, group.text, {"hosts", "pulses"});
     stream << '\n';
-    const std::size_t shown = std::min(group.values.size(), kShownValues);
+    const std::size_t shown = std::min(group.values.size(), kListedValues);
     const std::size_t first = IsOfDays(group) ? group.values.size() - shown : 0;
     for (std::size_t index = first; index < first + shown; ++index) {
         const CountedValue& value = group.values[index];

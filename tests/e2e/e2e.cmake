@@ -9,7 +9,7 @@ foreach(name IN ITEMS fleet-database fleet-seeds)
     string(REPLACE "fleet-" "" script ${name})
     file(APPEND "${test_programs}" "${name}|make-fleet|\n${name}|vantor-inspect|\n")
     add_test(NAME ${name} COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/fleet/${script}" "${PROJECT_BINARY_DIR}")
-    set_tests_properties(${name} PROPERTIES TIMEOUT 300)
+    set_tests_properties(${name} PROPERTIES TIMEOUT 300 LABELS full)
 endforeach()
 
 vantor_test(vantor_e2e_tests
@@ -21,7 +21,6 @@ vantor_test(vantor_e2e_tests
     e2e/pulse_test.cpp
     e2e/relay.cpp
     e2e/repairs_test.cpp)
-vantor_precompile(vantor_e2e_tests <httplib.h> <nlohmann/json.hpp>)
 target_link_libraries(vantor_e2e_tests PRIVATE vantor_receiver_lib vantor_inspect_lib vantor_httplib)
 target_compile_definitions(vantor_e2e_tests PRIVATE
     VANTOR_SOURCE_DIRECTORY="${PROJECT_SOURCE_DIR}"

@@ -8,8 +8,6 @@
 namespace vantor {
 namespace {
 
-constexpr wchar_t kAtp[] = L"Software\\Vexora\\Endpoint\\ATP";
-
 TEST(TextProbes, EachReadableValueIsAnItem)
 {
     const std::wstring adapters = L"SYSTEM\\ControlSet001\\Control\\Class\\{4d36e968-e325-11ce-bfc1-08002be10318}\\";
@@ -26,7 +24,7 @@ TEST(TextProbes, EachReadableValueIsAnItem)
     registry.Set(L"Software\\Vexora\\VSC", L"MarketReleaseVer", L"16.0");
     registry.Set(L"HARDWARE\\DESCRIPTION\\System\\CentralProcessor\\0", L"Identifier", REG_SZ,
                  ScratchRegistry::Bytes(L"Family 6"));
-    registry.Set(kAtp, L"BuildNumber", L"4321\u0416");
+    registry.Set(L"Software\\Vexora\\Endpoint\\ATP", L"BuildNumber", L"4321\u0416");
     registry.Set((adapters + L"0000").c_str(), L"DriverDesc", L"First");
     registry.Create((adapters + L"0001").c_str());
     registry.Set((adapters + L"0002").c_str(), L"DriverDesc", L"Second");
