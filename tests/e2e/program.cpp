@@ -236,7 +236,8 @@ void ExpectLog(const Outcome& outcome, const std::string& file)
 
 std::vector<std::string> UnderWine(std::vector<std::string> command, std::vector<std::string> settings)
 {
-    settings.insert(settings.begin(), {VANTOR_SOURCE_DIRECTORY "/tools/wine-run", "e2e"});
+    const char* const prefix = std::getenv("VANTOR_E2E_PREFIX");
+    settings.insert(settings.begin(), {VANTOR_SOURCE_DIRECTORY "/tools/wine-run", prefix ? prefix : "e2e"});
     settings.insert(settings.end(), command.begin(), command.end());
     return settings;
 }
