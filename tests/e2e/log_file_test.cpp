@@ -17,8 +17,11 @@ std::map<std::string, int> LinesOf(int runs, const std::filesystem::path& log)
 {
     std::string command;
     for (int run = 0; run < runs; ++run) {
-        command += VANTOR_SOURCE_DIRECTORY "/tools/wine-run e2e " + WindowsTree("vantor.exe") +
-                   " /hcmode=periodic '/logfile=" + WindowsPath(log) + "' & all=\"$all $!\"; ";
+        for (const auto& word :
+             UnderWine({WindowsTree("vantor.exe"), "/hcmode=periodic", "/logfile=" + WindowsPath(log)})) {
+            command += "'" + word + "' ";
+        }
+        command += "& all=\"$all $!\"; ";
     }
     std::filesystem::remove(log);
     EXPECT_EQ(std::system((command + "for run in $all; do wait $run || failed=1; done; exit $failed").c_str()), 0);

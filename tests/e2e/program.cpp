@@ -145,6 +145,12 @@ std::string WindowsTree(const std::string& file)
     return (tree ? fs::path(tree) : fs::path(VANTOR_SOURCE_DIRECTORY "/build/mingw")) / file;
 }
 
+fs::path WinePrefix()
+{
+    const char* const name = std::getenv("VANTOR_E2E_PREFIX");
+    return fs::path(VANTOR_SOURCE_DIRECTORY "/build/wine") / (name ? name : "e2e");
+}
+
 std::string WindowsPath(const fs::path& path)
 {
     std::string text = "Z:" + path.string();
@@ -236,8 +242,7 @@ void ExpectLog(const Outcome& outcome, const std::string& file)
 
 std::vector<std::string> UnderWine(std::vector<std::string> command, std::vector<std::string> settings)
 {
-    const char* const prefix = std::getenv("VANTOR_E2E_PREFIX");
-    settings.insert(settings.begin(), {VANTOR_SOURCE_DIRECTORY "/tools/wine-run", prefix ? prefix : "e2e"});
+    settings.insert(settings.begin(), {VANTOR_SOURCE_DIRECTORY "/tools/wine-run", WinePrefix().filename()});
     settings.insert(settings.end(), command.begin(), command.end());
     return settings;
 }

@@ -38,6 +38,9 @@ std::vector<std::string> ReadLines(const std::filesystem::path& path);
 /// A file of the Windows build tree whose program is tested, which the environment names (VANTOR_WINDOWS_TREE).
 std::string WindowsTree(const std::string& file);
 
+/// The folder of the Wine prefix of this half of the tests, which the environment names (VANTOR_E2E_PREFIX).
+std::filesystem::path WinePrefix();
+
 /// A path as the program sees it.
 std::string WindowsPath(const std::filesystem::path& path);
 

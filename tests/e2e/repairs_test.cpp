@@ -195,7 +195,7 @@ protected:
     fs::path Trace(int number) const { return m_folder / ("scupdateETL_" + std::to_string(100 + number) + ".log"); }
     std::ptrdiff_t Count() const { return std::distance(fs::directory_iterator(m_folder), fs::directory_iterator()); }
 
-    const fs::path m_folder = VANTOR_SOURCE_DIRECTORY "/build/wine/e2e/drive_c/ProgramData/Vexora/Agent/Logs";
+    const fs::path m_folder = WinePrefix() / "drive_c/ProgramData/Vexora/Agent/Logs";
 };
 
 TEST_F(TracesTest, TheRunBeforeAnUpdateStartsATraceAndTheRunAfterItStopsIt)
