@@ -78,8 +78,8 @@ TEST(AccessProtection, EveryRefusalIsLoggedAndSurvived)
             const Scratch scratch(L"signed", nullptr, refused);
             const LogCapture log;
             EXPECT_EQ(AskForAll(result), granted);
-            std::vector<std::string> expected(result ? 1 : std::count(granted.begin(), granted.end(), '-'),
-                                              "TRACE: " + line);
+            const auto refusals = static_cast<std::size_t>(std::count(granted.begin(), granted.end(), '-'));
+            std::vector<std::string> expected(result ? 1 : refusals, "TRACE: " + line);
             if (result != 0) {
                 expected.push_back(kNoExclusion + std::to_string(result));
             }

@@ -109,7 +109,7 @@ TEST(QualityCompat, TheValueIsThereAndZeroAfterwards)
         "4:0";
     EnsureQualityCompat();
     EXPECT_EQ(registry.Snapshot(), expected);
-    for (const DWORD type : {REG_SZ, REG_BINARY}) { // of four zero bytes
+    for (const DWORD type : {DWORD{REG_SZ}, DWORD{REG_BINARY}}) { // of four zero bytes
         registry.Set(kQuality, kQualityValue, type, std::vector<BYTE>(4));
         EnsureQualityCompat();
         EXPECT_EQ(registry.Snapshot(), expected);

@@ -20,7 +20,7 @@ TEST(MultiString, NeverReadsPastTheData)
     };
     for (const auto& [text, found] : kCases) {
         const auto* const bytes = reinterpret_cast<const std::uint8_t*>(text.data());
-        for (const std::size_t odd : {0, 1}) { // a last byte that is half a character
+        for (const std::size_t odd : {0u, 1u}) { // a last byte that is half a character
             std::vector<std::uint8_t> data(bytes, bytes + 2 * text.size());
             data.resize(data.size() + odd, 'x');
             EXPECT_EQ(MultiStringContains(data, u"vxedisk"), found) << data.size();

@@ -187,7 +187,7 @@ TEST_F(HttpConnectionTest, AChallengeExcusesAMissingCertificateButNoOther)
 
     m_http->serverCertificate = outsider.front().Get();
     for (const DWORD error :
-         {0, 12015, 12029, 12032}) { // one that plays the proxy: neither credentials nor a second body
+         {0u, 12015u, 12029u, 12032u}) { // one that plays the proxy: neither credentials nor a second body
         m_log->lines.clear();
         m_http->errors["SendRequest"] = {error};
         EXPECT_EQ(Query(change).result, DWORD{ERROR_WINHTTP_SECURE_FAILURE});
