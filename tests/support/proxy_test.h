@@ -41,9 +41,11 @@ protected:
     std::string Impersonate()
     {
         m_tokens->calls.clear();
-        m_manager.Impersonator().Impersonate(nullptr);
+        const bool isAnother = m_manager.Impersonator().Impersonate(nullptr);
+        const std::size_t begun = m_tokens->calls.size();
         m_manager.Impersonator().UnImpersonate();
-        m_manager.Impersonator().UnImpersonate(); // harmless
+        EXPECT_EQ(isAnother, m_tokens->calls.size() > begun); // only what was begun is ended
+        m_manager.Impersonator().UnImpersonate();             // harmless
         return m_tokens->calls;
     }
 };
