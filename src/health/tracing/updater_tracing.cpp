@@ -136,15 +136,8 @@ bool HasRoomForTrace(std::uint64_t freeBytes)
     return freeBytes >> 20 >= kMinFreeMebibytes;
 }
 
-bool ShouldStartETLTracing(const RunConfig& config, IEventTracing& tracing, TraceFolder& folder)
+bool IsReadyForTrace(IEventTracing& tracing, TraceFolder& folder)
 {
-    if (ModeOf(config) != Mode::preUpdate) {
-        return false;
-    }
-    if (!WasStartedByUpdater()) {
-        LogWarning("This product is not configured for update etl tracing");
-        return false;
-    }
     if (!folder.Path()) {
         return true; // StartLogging reports that there is no folder
     }
@@ -160,6 +153,18 @@ bool ShouldStartETLTracing(const RunConfig& config, IEventTracing& tracing, Trac
         return false;
     }
     return true;
+}
+
+bool ShouldStartETLTracing(const RunConfig& config, IEventTracing& tracing, TraceFolder& folder)
+{
+    if (ModeOf(config) != Mode::preUpdate) {
+        return false;
+    }
+    if (!WasStartedByUpdater()) {
+        LogWarning("This product is not configured for update etl tracing");
+        return false;
+    }
+    return IsReadyForTrace(tracing, folder);
 }
 
 DWORD populateGUID(TraceProviders& providers)

@@ -18,8 +18,11 @@ struct TraceProvider {
 };
 using TraceProviders = std::vector<TraceProvider>;
 
-/// Whether to start a session: only before an update, if the updater started this program and the folder's volume has
-/// enough free space. Holds the folder, and deletes the oldest trace files if there are ten or more.
+/// Whether a trace may be started in the folder: its volume has enough free space, or how much is not known. Holds the
+/// folder, and deletes the oldest trace files if there are ten or more. Says in the log why not.
+bool IsReadyForTrace(IEventTracing& tracing, TraceFolder& folder);
+
+/// Whether to start a session: only before an update, if the updater started this program and the folder is ready.
 bool ShouldStartETLTracing(const RunConfig& config, IEventTracing& tracing, TraceFolder& folder);
 
 /// Whether there are enough free bytes for a trace: at least 151 MiB.

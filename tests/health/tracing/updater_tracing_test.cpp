@@ -41,9 +41,10 @@ public:
         providers = registered;
         return enumerateError;
     }
-    std::optional<std::uint64_t> FreeBytes(const std::wstring&) override { return std::nullopt; }
+    std::optional<std::uint64_t> FreeBytes(const std::wstring&) override { return freeBytes; }
 
     ULONG startError = 0, queryError = 0, stopError = 0, enableError = 0, enumerateError = 0;
+    std::optional<std::uint64_t> freeBytes;
     std::vector<GUID> registered;
     TraceProperties trace{};
     std::vector<std::tuple<TRACEHANDLE, unsigned long, ULONG>> enabled;
@@ -101,6 +102,17 @@ TEST(UpdaterTracing, StartsOrReusesASessionAndEnablesWhatIsNotRegistered)
     TraceFolder missing(scratch.path.wstring() + L"\\none\\");
     EXPECT_EQ(StartLogging(kProviders, tracing, missing), DWORD{ERROR_FILE_NOT_FOUND});
     EXPECT_EQ(tracing.trace.properties.Wnode.BufferSize, 0u); // nothing was started
+}
+
+TEST(UpdaterTracing, DoesNotFillADisk)
+{
+    ScriptedTracing tracing;
+    ScratchFolder scratch;
+    const LogCapture log;
+    EXPECT_TRUE(IsReadyForTrace(tracing, scratch.folder)); // it is not known
+    tracing.freeBytes = 7 << 20;
+    EXPECT_FALSE(IsReadyForTrace(tracing, scratch.folder));
+    EXPECT_TRUE(log.Has("ERROR: Error, cannot start etl tracing as disk space is low:7MB only"));
 }
 
 TEST(UpdaterTracing, OverwritesNothingThatWasPlantedUnderAComingName)
