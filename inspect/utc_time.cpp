@@ -5,8 +5,7 @@
 namespace vantor::inspect {
 namespace {
 
-constexpr std::string_view kFieldLetters = "YMDhms";
-using Numbers = std::array<int, kFieldLetters.size()>;
+using Numbers = std::array<int, kTimeLetters.size()>;
 
 } // namespace
 
@@ -23,7 +22,7 @@ std::optional<std::chrono::sys_seconds> ParseUtc(std::string_view text, std::str
     }
     Numbers numbers{};
     for (std::size_t index = 0; index < text.size(); ++index) {
-        const std::size_t field = kFieldLetters.find(layout[index]);
+        const std::size_t field = kTimeLetters.find(layout[index]);
         if (field == std::string_view::npos ? text[index] != layout[index] : text[index] < '0' || text[index] > '9') {
             return std::nullopt;
         }

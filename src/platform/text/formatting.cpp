@@ -21,12 +21,10 @@ DateTime UtcDateTime(std::chrono::sys_seconds time)
 
 std::string FormatTime(const DateTime& time, std::string_view layout)
 {
-    constexpr std::string_view kLetters = "YMDhms";
-
     int rest[] = {time.year, time.month, time.day, time.hour, time.minute, time.second};
     std::string text(layout);
     for (std::size_t index = text.size(); index-- > 0;) { // backwards: the last digit of each number comes first
-        if (const std::size_t field = kLetters.find(text[index]); field != std::string_view::npos) {
+        if (const std::size_t field = kTimeLetters.find(text[index]); field != std::string_view::npos) {
             text[index] = static_cast<char>('0' + rest[field] % 10);
             rest[field] /= 10;
         }

@@ -21,7 +21,9 @@ struct DateTime {
 
 DateTime UtcDateTime(std::chrono::sys_seconds time);
 
-/// Layouts for FormatTime: each Y, M, D, h, m, s stands for one digit; every other character is copied.
+/// Layouts for FormatTime: each of these letters stands for one digit of year, month, day, hour, minute, second; every other
+/// character is copied.
+inline constexpr std::string_view kTimeLetters = "YMDhms";
 inline constexpr std::string_view kLogTime = "YY/MM/DD hh:mm:ss";
 inline constexpr std::string_view kReadableTime = "YYYY-MM-DD hh:mm:ss";
 std::string FormatTime(const DateTime& time, std::string_view layout);
