@@ -41,9 +41,12 @@ struct BodyWriter {
 
     bool operator()(const auto& /*no fault in the body*/) const { return Write(content, sink); }
 
-    bool operator()(const CutAfterHeaders&) const { return WriteAndCut(0); }
-
-    bool operator()(const CutInBody&) const { return WriteAndCut(content.size() / 2); }
+    bool operator()(const CutInBody&) const
+    {
+        Write(content.substr(0, content.size() / 2), sink);
+        Cut(socket);
+        return false;
+    }
 
     bool operator()(const EndlessBody&) const
     {
@@ -68,14 +71,6 @@ struct BodyWriter {
         }
         Pause(socket, stalled.pause);
         return Write(content.substr(first), sink);
-    }
-
-private:
-    bool WriteAndCut(std::size_t bytes) const
-    {
-        Write(content.substr(0, bytes), sink);
-        Cut(socket);
-        return false;
     }
 };
 

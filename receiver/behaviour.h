@@ -18,8 +18,6 @@ struct CutBeforeAnswer {
     std::string bytes;
 };
 
-struct CutAfterHeaders {};
-
 /// Cut after half of the body.
 struct CutInBody {};
 
@@ -37,8 +35,7 @@ struct StalledBody {
     std::chrono::milliseconds pause{600'000};
 };
 
-using Fault =
-    std::variant<std::monostate, CutBeforeAnswer, CutAfterHeaders, CutInBody, EndlessBody, SlowBody, StalledBody>;
+using Fault = std::variant<std::monostate, CutBeforeAnswer, CutInBody, EndlessBody, SlowBody, StalledBody>;
 
 /// How the client knows where the body ends.
 enum class Framing { contentLength, chunked, connectionEnd };
