@@ -17,9 +17,11 @@ TEST_F(LoggingTest, WhoeverHoldsTheLockForGoodHoldsNobodyUp)
     OVERLAPPED range{};
     range.Offset = static_cast<DWORD>(AppendFile::kLockedByte);
     range.OffsetHigh = static_cast<DWORD>(AppendFile::kLockedByte >> 32);
-    ASSERT_TRUE(::LockFileEx(file.Get(), LOCKFILE_EXCLUSIVE_LOCK, 0, 1, 0, &range));
+    EXPECT_TRUE(log.Append("early\r\n"));
+    constexpr DWORD kFlags = LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY;
+    ASSERT_TRUE(::LockFileEx(file.Get(), kFlags, 0, 1, 0, &range)) << "a line keeps the lock";
     EXPECT_TRUE(log.Append("late\r\n") && log.Append("at once\r\n"));
-    EXPECT_EQ(FileText(), "late\r\nat once\r\n");
+    EXPECT_EQ(FileText(), "early\r\nlate\r\nat once\r\n");
 }
 
 /// The rights of a file as SDDL text.
