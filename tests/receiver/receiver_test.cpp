@@ -131,7 +131,7 @@ TEST_F(ReceiverTest, SaysWhyItCannotStart)
         {{pki + "/server-a.pem", pki + "/server-b.key", 0}, "/server-b.key\": key values mismatch"},
     };
     for (const auto& [config, reason] : kCases) {
-        EXPECT_THAT([&config = config] { Receiver(config).Start(); },
+        EXPECT_THAT([&given = config] { Receiver(given).Start(); },
                     testing::ThrowsMessage<ReceiverError>(testing::HasSubstr(reason)));
     }
 }

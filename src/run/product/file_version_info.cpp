@@ -30,10 +30,8 @@ constexpr WORD kUsEnglish = 0x0409;
 const Translation* ChooseTranslation(std::span<const Translation> table)
 {
     for (const WORD language : {kNeutral, kUsEnglish}) {
-        for (const Translation& entry : table) {
-            if (entry.language == language) {
-                return &entry;
-            }
+        if (const auto found = std::ranges::find(table, language, &Translation::language); found != table.end()) {
+            return &*found;
         }
     }
     return table.data();
