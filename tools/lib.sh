@@ -101,10 +101,10 @@ check_package_sets=(
     "try the program behind a proxy|squid"
     "look at the receiver's page in a browser|chromium"
 )
-# What ./check --full needs in addition to both.
+# What ./check --full and --fuzz need in addition to both.
 full_package_sets=(
     "find faults in the sources|clang clang-tidy clang-format cppcheck shellcheck libc++-16-dev/libc++-dev"
-    "fuzz|clang libclang-rt-dev"
+    "fuzz, and run the tests under the sanitizers of clang|clang libclang-rt-dev"
     "ask a database what a fleet's report says|postgresql jq"
 )
 # What tools/make-release needs beside the first.

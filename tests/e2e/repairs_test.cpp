@@ -94,14 +94,17 @@ TEST(Repairs, BeforeAndAfter)
         EXPECT_EQ(service["Start"], row.start);
         EXPECT_EQ(service["DeleteFlag"], row.deleteFlag);
         EXPECT_EQ(service["Other"], row.machine.empty() ? "" : "kept");
-        if (mode != "/hcmode=periodic") { // whose pulse tells
-            EXPECT_EQ(RegistryValues(kQuality)[kQualityValue], mode == "/hcmode=postdatupdate" ? "0x0" : "");
+        const bool setsQuality = mode == "/hcmode=postdatupdate";
+        if (mode != "/hcmode=periodic") { // of a periodic run, the pulse tells enough
+            EXPECT_EQ(RegistryValues(kQuality)[kQualityValue], setsQuality ? "0x0" : "");
         }
         const bool isSent = mode != "/uninstall" && row.exitCode == 0;
         const auto pulses = receiver.Pulses();
         ASSERT_EQ(pulses.size(), isSent ? 1u : 0u);
         EXPECT_EQ(receiver.ConnectionCount(), pulses.size());
-        EXPECT_EQ(isSent ? pulses[0].pulse.report.record.bitfield_test_results.Word() >> 19 & 15 : 0, row.bits);
+        const TestResultBits results = isSent ? pulses[0].pulse.report.record.bitfield_test_results : TestResultBits();
+        EXPECT_EQ(results.Word() >> 19 & 15, row.bits);
+        EXPECT_EQ(results.Test(ResultBit::meltdown_compat), setsQuality);
         EXPECT_TRUE(!isSent || pulses[0].pulse.client["cid"] == row.cid) << pulses[0].pulse.client;
     }
 }
